@@ -1,0 +1,44 @@
+# Tarnsysm: installation of the library, its headers, a CMake package and a pkg-config file.
+# Consumers: find_package(Tarnsysm CONFIG REQUIRED) and target_link_libraries(app Tarnsysm::Tarnsysm).
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(TARNSYSM_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/Tarnsysm")
+set(TARNSYSM_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/tarnsysm")
+
+install(TARGETS Tarnsysm
+  EXPORT TarnsysmTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  INCLUDES DESTINATION ${TARNSYSM_INSTALL_INCLUDEDIR})
+
+# The public headers keep their folder layout so that the umbrella's relative includes resolve.
+foreach(header IN LISTS TARNSYSM_PUBLIC_HEADERS)
+  get_filename_component(dir "${header}" DIRECTORY)
+  install(FILES "${PROJECT_SOURCE_DIR}/lib/${header}"
+    DESTINATION "${TARNSYSM_INSTALL_INCLUDEDIR}/${dir}")
+endforeach()
+
+install(EXPORT TarnsysmTargets
+  NAMESPACE Tarnsysm::
+  DESTINATION ${TARNSYSM_INSTALL_CMAKEDIR})
+
+configure_package_config_file(
+  "${PROJECT_SOURCE_DIR}/cmake/TarnsysmConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/TarnsysmConfig.cmake"
+  INSTALL_DESTINATION ${TARNSYSM_INSTALL_CMAKEDIR})
+write_basic_package_version_file(
+  "${PROJECT_BINARY_DIR}/TarnsysmConfigVersion.cmake"
+  VERSION ${PROJECT_VERSION}
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  "${PROJECT_BINARY_DIR}/TarnsysmConfig.cmake"
+  "${PROJECT_BINARY_DIR}/TarnsysmConfigVersion.cmake"
+  DESTINATION ${TARNSYSM_INSTALL_CMAKEDIR})
+
+configure_file("${PROJECT_SOURCE_DIR}/cmake/tarnsysm.pc.in"
+  "${PROJECT_BINARY_DIR}/tarnsysm.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/tarnsysm.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -1,0 +1,6 @@
+# Tarnsysm: sources of the geometric primitives.
+list(APPEND TARNSYSM_SOURCES
+  primitives/angles.cpp
+  primitives/points.cpp
+  primitives/solvers.cpp)
+list(APPEND TARNSYSM_PUBLIC_HEADERS primitives/primitives.h)

@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Tarnsysm: compares the demangled names a shared library exports with the checked-in lists.
+# Usage: check_exports.sh LIBRARY LIST...   Catches leaked helpers and misspelled overloads.
+set -euo pipefail
+lib=$1
+shift
+expected=$(cat "$@" | grep -v -E '^\s*(#|$)' | LC_ALL=C sort)
+# The standard library marks its templates visible; instantiations it emits are not ours.
+actual=$(nm -D --defined-only "$lib" | awk '$2 ~ /^[TWiVu]$/ {print $3}' | c++filt |
+  grep -v -E '^(std::|__gnu_cxx::|operator |_init$|_fini$|__bss_start$|_edata$|_end$)' | LC_ALL=C sort)
+if [ "$expected" != "$actual" ]; then
+  echo "exported names differ from the lists (< listed, > exported):"
+  diff <(echo "$expected") <(echo "$actual") || true
+  exit 1
+fi
+echo "exported names match: $(echo "$actual" | wc -l) names"
