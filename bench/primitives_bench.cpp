@@ -13,7 +13,8 @@ void BM_ValidAngle(benchmark::State& state) {
   for (auto _ : state) {
     benchmark::DoNotOptimize(ValidAngle(1e-9, 5.5, 1.0, angle));
     angle += 1e-3;
-    if (angle > 6.0) angle = 0.3;
+    if (angle > 6.0)
+      angle = 0.3;
   }
 }
 BENCHMARK(BM_ValidAngle);

@@ -9,7 +9,9 @@ namespace {
 constexpr double kEps = 1e-9;
 constexpr double kDegrees = 180.0 / 3.141592653589793;
 
-const char* yesNo(int v) { return v ? "yes" : "no"; }
+const char* yesNo(int v) {
+  return v ? "yes" : "no";
+}
 
 void angles() {
   std::printf("Angles\n");
@@ -38,8 +40,9 @@ void intersections() {
   std::printf("  x axis and circle r=2 at the origin:        %d points, (%g, %g) then (%g, %g)\n",
               n, xa, ya, xb, yb);
   const int m = D2CirInts(kEps, 0, 0, 1, 1, 0, 1, &xa, &ya, &xb, &yb);
-  std::printf("  unit circles about (0,0) and (1,0):         %d points, (%.4f, %.4f), (%.4f, %.4f)\n",
-              m, xa, ya, xb, yb);
+  std::printf(
+      "  unit circles about (0,0) and (1,0):         %d points, (%.4f, %.4f), (%.4f, %.4f)\n", m,
+      xa, ya, xb, yb);
 }
 
 void bulges() {

@@ -2,7 +2,7 @@
 // The umbrella header: consumers include this one file and get every exported name.
 #pragma once
 
-#include "primitives/primitives.h"
-#include "intersect/intersect.h"
 #include "arcs/arcs.h"
+#include "intersect/intersect.h"
 #include "offset/offset.h"
+#include "primitives/primitives.h"

@@ -21,7 +21,8 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
     return 0;
   };
   const double chord = std::sqrt(square(x1 - x2) + square(y1 - y2));
-  if (!(chord >= eps)) return degenerate();
+  if (!(chord >= eps))
+    return degenerate();
 
   // theta becomes the included angle of the minor-or-half arc, side says where the centre is.
   const double theta0 = 4.0 * std::atan(bulge);
@@ -37,7 +38,8 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
   }
   const double h = std::sin(theta / 2.0);
   // A zero bulge, or a chord that is a full turn.
-  if (withinOpen(h, eps) || std::isnan(h)) return degenerate();
+  if (withinOpen(h, eps) || std::isnan(h))
+    return degenerate();
   const double radius = (0.5 / h) * chord;
 
   double phi = 0.0;
@@ -56,7 +58,8 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
     DAngle(eps, ccx, ccy, x1, y1, &start);
     DAngle(eps, ccx, ccy, x2, y2, &end);
   }
-  if (start - eps > end) end += kTwoPi;
+  if (start - eps > end)
+    end += kTwoPi;
   *cx = ccx;
   *cy = ccy;
   *r = radius;
@@ -73,12 +76,14 @@ struct Box {
   // A quadrant point widens the box on the side it falls, with eps slack on both sides.
   void merge(double eps, double x, double y) {
     if (x >= xmin - eps) {
-      if (x > xmax + eps) xmax = x;
+      if (x > xmax + eps)
+        xmax = x;
     } else {
       xmin = x;
     }
     if (y >= ymin - eps) {
-      if (y > ymax + eps) ymax = y;
+      if (y > ymax + eps)
+        ymax = y;
     } else {
       ymin = y;
     }
@@ -118,10 +123,14 @@ void get_arc_box(double eps, double* centre, double r, double sa, double ea, dou
   subtractTurnsWhileAbove(sa, kTwoPi + eps, &ea);
 
   constexpr double kThreeHalfPi = 3.0 * kHalfPi;
-  if (ea > kTwoPi + eps) box.merge(eps, cx + r, cy);
-  if (passes(eps, sa, ea, kHalfPi, kHalfPi + kTwoPi)) box.merge(eps, cx, cy + r);
-  if (passes(eps, sa, ea, kPi, kPi + kTwoPi)) box.merge(eps, cx - r, cy);
-  if (passes(eps, sa, ea, kThreeHalfPi, kThreeHalfPi + kTwoPi)) box.merge(eps, cx, cy - r);
+  if (ea > kTwoPi + eps)
+    box.merge(eps, cx + r, cy);
+  if (passes(eps, sa, ea, kHalfPi, kHalfPi + kTwoPi))
+    box.merge(eps, cx, cy + r);
+  if (passes(eps, sa, ea, kPi, kPi + kTwoPi))
+    box.merge(eps, cx - r, cy);
+  if (passes(eps, sa, ea, kThreeHalfPi, kThreeHalfPi + kTwoPi))
+    box.merge(eps, cx, cy - r);
 
   *xmin = box.xmin;
   *ymin = box.ymin;

@@ -18,15 +18,19 @@ bool onArc(double eps, double cx, double cy, double sa, double ea, double x, dou
 }
 
 // Strict position test along a line of length len: -eps < p < len + eps.
-bool withinSegmentOpen(double p, double len, double eps) { return -eps < p && p < len + eps; }
+bool withinSegmentOpen(double p, double len, double eps) {
+  return -eps < p && p < len + eps;
+}
 
 // Closed parameter test: -eps <= t <= 1 + eps (eps as a parameter tolerance).
-bool withinParameterClosed(double t, double eps) { return -eps <= t && t <= 1.0 + eps; }
+bool withinParameterClosed(double t, double eps) {
+  return -eps <= t && t <= 1.0 + eps;
+}
 
 }  // namespace
 
-int D2LInts(double eps, double x1, double y1, double x2, double y2, double x3, double y3,
-            double x4, double y4, double* x, double* y, int* flag) {
+int D2LInts(double eps, double x1, double y1, double x2, double y2, double x3, double y3, double x4,
+            double y4, double* x, double* y, int* flag) {
   *flag = 0;
   const double dx1 = x2 - x1;
   const double dy1 = y2 - y1;
@@ -34,20 +38,25 @@ int D2LInts(double eps, double x1, double y1, double x2, double y2, double x3, d
   const double dy2 = y4 - y3;
   const bool vertical1 = withinClosed(dx1, eps);
   const bool vertical2 = withinClosed(dx2, eps);
-  if (vertical1 && vertical2) return 0;
+  if (vertical1 && vertical2)
+    return 0;
   // The slope test only applies when neither line is vertical.
-  if (!vertical1 && !vertical2 && withinOpen(dy1 / dx1 - dy2 / dx2, eps)) return 0;
+  if (!vertical1 && !vertical2 && withinOpen(dy1 / dx1 - dy2 / dx2, eps))
+    return 0;
   // det is an area and is compared with eps unscaled, deliberately.
   const double det = dx2 * dy1 - dx1 * dy2;
-  if (withinOpen(det, eps) || std::isnan(det)) return 0;
+  if (withinOpen(det, eps) || std::isnan(det))
+    return 0;
   const double ex = x1 - x3;
   const double ey = y1 - y3;
   const double t = (ex * dy2 - ey * dx2) / det;
   const double u = (ex * dy1 - ey * dx1) / det;
   *x = x1 + dx1 * t;
   *y = y1 + dy1 * t;
-  if (withinParameterClosed(t, eps)) *flag = 1;
-  if (withinParameterClosed(u, eps)) *flag += 2;
+  if (withinParameterClosed(t, eps))
+    *flag = 1;
+  if (withinParameterClosed(u, eps))
+    *flag += 2;
   return 1;
 }
 
@@ -57,9 +66,11 @@ int DCirLInts(double eps, double x1, double y1, double x2, double y2, double cx,
   const double dx = x2 - x1;
   const double dy = y2 - y1;
   const double len2 = dx * dx + dy * dy;
-  if (len2 <= eps * eps) return 0;
+  if (len2 <= eps * eps)
+    return 0;
   const double len = std::sqrt(len2);
-  if (len <= eps) return 0;
+  if (len <= eps)
+    return 0;
   const double ux = dx / len;
   const double uy = dy / len;
 
@@ -78,15 +89,18 @@ int DCirLInts(double eps, double x1, double y1, double x2, double y2, double cx,
   }
   // dist exactly r - eps falls between the two strict tests and is no intersection, as is a
   // non-finite distance.
-  if (!(dist < r - eps)) return 0;
+  if (!(dist < r - eps))
+    return 0;
 
   // Secant. eps is compared with a unit-vector component to pick the better-conditioned axis.
   const double p0 = withinOpen(ux, eps) ? (fy - y1) / uy : (fx - x1) / ux;
   const double h = std::sqrt(r * r - dist * dist);
   const double p1 = p0 - h;
   const double p2 = p0 + h;
-  if (withinSegmentOpen(p1, len, eps)) *flag = 1;
-  if (withinSegmentOpen(p2, len, eps)) *flag += 2;
+  if (withinSegmentOpen(p1, len, eps))
+    *flag = 1;
+  if (withinSegmentOpen(p2, len, eps))
+    *flag += 2;
   const double ax = x1 + p1 * ux;
   const double ay = y1 + p1 * uy;
   const double bx = x1 + p2 * ux;
@@ -95,7 +109,8 @@ int DCirLInts(double eps, double x1, double y1, double x2, double y2, double cx,
   *ya = ay;
   *xb = bx;
   *yb = by;
-  if (std::sqrt(square(ax - bx) + square(ay - by)) >= eps) return 2;
+  if (std::sqrt(square(ax - bx) + square(ay - by)) >= eps)
+    return 2;
 
   // Two points closer than eps merge into their midpoint; B stays in xb, yb.
   *xa = (ax + bx) / 2.0;
@@ -108,10 +123,13 @@ int DArcLInts(double eps, double x1, double y1, double x2, double y2, double cx,
               double r, double sa, double ea, double* xa, double* ya, double* xb, double* yb,
               int* flag) {
   const int n = DCirLInts(eps, x1, y1, x2, y2, cx, cy, r, xa, ya, xb, yb, flag);
-  if (n == 0) return 0;
+  if (n == 0)
+    return 0;
   if (onArc(eps, cx, cy, sa, ea, *xa, *ya)) {
-    if (n == 1) return 1;
-    if (onArc(eps, cx, cy, sa, ea, *xb, *yb)) return 2;
+    if (n == 1)
+      return 1;
+    if (onArc(eps, cx, cy, sa, ea, *xb, *yb))
+      return 2;
     *flag = (*flag & 1) ? 1 : 0;
     return 1;
   }
@@ -134,11 +152,15 @@ int D2CirInts(double eps, double x1, double y1, double r1, double x2, double y2,
   const double dy = y2 - y1;
   const double d2 = dx * dx + dy * dy;
   // Concentric circles never meet in a point; two point circles have no curve to meet.
-  if (d2 == 0.0 || big == 0.0) return 0;
+  if (d2 == 0.0 || big == 0.0)
+    return 0;
   const double q = d2 / (big * big);
-  if (std::isnan(q)) return 0;
-  if (square((r1 + r2 + eps) / big) < q) return 0;            // too far apart
-  if (square((std::fabs(r1 - r2) - eps) / big) > q) return 0;  // nested, or concentric
+  if (std::isnan(q))
+    return 0;
+  if (square((r1 + r2 + eps) / big) < q)
+    return 0;  // too far apart
+  if (square((std::fabs(r1 - r2) - eps) / big) > q)
+    return 0;  // nested, or concentric
   int n = 2;
   if (square((r1 + r2 - eps) / big) <= q) {
     n = 1;  // touching from outside
@@ -161,7 +183,8 @@ int D2CirInts(double eps, double x1, double y1, double r1, double x2, double y2,
   const double g = (my - y1) * dyv - (mx - x1) * dxn;
   // disc is D^2 times the squared half chord, a fourth power compared with eps unscaled.
   const double disc = r1 * r1 * dd - g * g;
-  if (disc < -eps) return 0;
+  if (disc < -eps)
+    return 0;
   if (disc < eps) {
     *xa = mx;
     *ya = my;
@@ -176,18 +199,22 @@ int D2CirInts(double eps, double x1, double y1, double r1, double x2, double y2,
 }
 
 int D2ArcInts(double eps, double x1, double y1, double r1, double start1, double end1, double x2,
-              double y2, double r2, double start2, double end2, double* xa, double* ya,
-              double* xb, double* yb) {
+              double y2, double r2, double start2, double end2, double* xa, double* ya, double* xb,
+              double* yb) {
   const int n = D2CirInts(eps, x1, y1, r1, x2, y2, r2, xa, ya, xb, yb);
-  if (n == 0) return 0;
+  if (n == 0)
+    return 0;
   const auto onBoth = [&](double x, double y) {
     return onArc(eps, x1, y1, start1, end1, x, y) && onArc(eps, x2, y2, start2, end2, x, y);
   };
   const bool first = onBoth(*xa, *ya);
-  if (n == 1) return first ? 1 : 0;
+  if (n == 1)
+    return first ? 1 : 0;
   const bool second = onBoth(*xb, *yb);
-  if (first) return second ? 2 : 1;  // a rejected second point stays in xb, yb
-  if (!second) return 0;
+  if (first)
+    return second ? 2 : 1;  // a rejected second point stays in xb, yb
+  if (!second)
+    return 0;
   *xa = *xb;
   *ya = *yb;
   return 1;

@@ -43,6 +43,6 @@ TARNSYSM_API int D2CirInts(double eps, double x1, double y1, double r1, double x
 /// Intersection of two arcs. Returns the number of points on both arcs (0, 1, 2); when only the
 /// second circle point counts it is copied to xa, ya; when only the first counts, xb, yb keep the
 /// rejected point.
-TARNSYSM_API int D2ArcInts(double eps, double x1, double y1, double r1, double start1,
-                           double end1, double x2, double y2, double r2, double start2,
-                           double end2, double* xa, double* ya, double* xb, double* yb);
+TARNSYSM_API int D2ArcInts(double eps, double x1, double y1, double r1, double start1, double end1,
+                           double x2, double y2, double r2, double start2, double end2, double* xa,
+                           double* ya, double* xb, double* yb);

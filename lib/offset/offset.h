@@ -18,8 +18,7 @@
 
 /// Signed area between the segment (x1, y1)-(x2, y2) with the given bulge and the x axis: one
 /// term of a polygon's area sum (trapezoid term minus the arc's segment term).
-TARNSYSM_API double LineArea(double eps, double x1, double y1, double x2, double y2,
-                             double bulge);
+TARNSYSM_API double LineArea(double eps, double x1, double y1, double x2, double y2, double bulge);
 
 /// Signed area enclosed by the polyline, positive when clockwise; 0.0 for fewer than 3 rows. An
 /// open polyline is closed by a straight chord from row n-1 to row 0.
@@ -71,9 +70,8 @@ TARNSYSM_API int CLCOffset(double eps, double step, double c1x, double c1y, doub
                            double b, double c, double c2x, double c2y, double r2, double* out);
 
 /// Event solver for three circles.
-TARNSYSM_API int CCCOffset(double eps, double step, double c1x, double c1y, double r1,
-                           double c2x, double c2y, double r2, double c3x, double c3y, double r3,
-                           double* out);
+TARNSYSM_API int CCCOffset(double eps, double step, double c1x, double c1y, double r1, double c2x,
+                           double c2y, double r2, double c3x, double c3y, double r3, double* out);
 
 // ---- Loop trimming and distances --------------------------------------------------------------
 

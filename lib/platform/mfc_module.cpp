@@ -7,7 +7,8 @@ static AFX_EXTENSION_MODULE tarnsysmModule = {false, nullptr};
 
 extern "C" int APIENTRY DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_ATTACH) {
-    if (!AfxInitExtensionModule(tarnsysmModule, instance)) return 0;
+    if (!AfxInitExtensionModule(tarnsysmModule, instance))
+      return 0;
     new CDynLinkLibrary(tarnsysmModule);
   } else if (reason == DLL_PROCESS_DETACH) {
     AfxTermExtensionModule(tarnsysmModule);

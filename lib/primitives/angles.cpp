@@ -18,7 +18,8 @@ constexpr double kExactTurns = 16.0;
 constexpr int kMaxSingleSteps = 64;
 
 double bulkTurns(double gap) {
-  if (!(gap > kExactTurns * kTwoPi)) return 0.0;
+  if (!(gap > kExactTurns * kTwoPi))
+    return 0.0;
   return std::floor(gap / kTwoPi) - 2.0;
 }
 
@@ -28,11 +29,13 @@ void addTurnsWhileBelow(double& value, double floor, double* companion) {
   const double jump = bulkTurns(floor - value) * kTwoPi;
   if (jump != 0.0) {
     value += jump;
-    if (companion) *companion += jump;
+    if (companion)
+      *companion += jump;
   }
   for (int i = 0; i < kMaxSingleSteps && value < floor; ++i) {
     value += kTwoPi;
-    if (companion) *companion += kTwoPi;
+    if (companion)
+      *companion += kTwoPi;
   }
 }
 
@@ -40,11 +43,13 @@ void subtractTurnsWhileAbove(double& value, double ceiling, double* companion) {
   const double jump = bulkTurns(value - ceiling) * kTwoPi;
   if (jump != 0.0) {
     value -= jump;
-    if (companion) *companion -= jump;
+    if (companion)
+      *companion -= jump;
   }
   for (int i = 0; i < kMaxSingleSteps && value > ceiling; ++i) {
     value -= kTwoPi;
-    if (companion) *companion -= kTwoPi;
+    if (companion)
+      *companion -= kTwoPi;
   }
 }
 
@@ -62,7 +67,8 @@ int DAngle(double eps, double x1, double y1, double x2, double y2, double* angle
   }
   double a = std::atan2(dy, dx);
   // A tiny negative angle stands for 0: callers compare angles with eps, so it is not lifted.
-  if (a < -eps) a += kTwoPi;
+  if (a < -eps)
+    a += kTwoPi;
   *angle = a;
   return 1;
 }
@@ -70,22 +76,28 @@ int DAngle(double eps, double x1, double y1, double x2, double y2, double* angle
 void fpos2pi(double eps, double* angle) {
   // The C remainder keeps the sign of the argument, so the value lies in (-2 pi, 2 pi).
   double a = std::fmod(*angle, kTwoPi);
-  if (a < -eps) a += kTwoPi;
+  if (a < -eps)
+    a += kTwoPi;
   *angle = a;
 }
 
 double arcsin(double x) {
-  if (-1.0 < x && x < 1.0) return std::asin(x);
-  if (x == -1.0) return -kHalfPi;
-  if (x == 1.0) return kHalfPi;
+  if (-1.0 < x && x < 1.0)
+    return std::asin(x);
+  if (x == -1.0)
+    return -kHalfPi;
+  if (x == 1.0)
+    return kHalfPi;
   // No clamping: out of range (or NaN) is 0 by contract, callers clamp where rounding can stray.
   return 0.0;
 }
 
 double arccos(double x) {
-  if (-1.0 < x && x < 1.0) return std::acos(x);
+  if (-1.0 < x && x < 1.0)
+    return std::acos(x);
   // Only exactly -1 maps to pi; exactly 1 and everything outside give 0 (deliberately asymmetric).
-  if (x == -1.0) return kPi;
+  if (x == -1.0)
+    return kPi;
   return 0.0;
 }
 

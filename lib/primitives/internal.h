@@ -18,12 +18,18 @@ inline constexpr double kTol1e8 = 1e-8;
 inline constexpr double kTol1e4 = 1e-4;
 
 /// -eps <= v <= eps: the library's usual "zero within eps".
-inline bool withinClosed(double v, double eps) { return -eps <= v && v <= eps; }
+inline bool withinClosed(double v, double eps) {
+  return -eps <= v && v <= eps;
+}
 
 /// -eps < v < eps: the stricter test of the solvers, the offset code and some slope tests.
-inline bool withinOpen(double v, double eps) { return -eps < v && v < eps; }
+inline bool withinOpen(double v, double eps) {
+  return -eps < v && v < eps;
+}
 
-inline double square(double v) { return v * v; }
+inline double square(double v) {
+  return v * v;
+}
 
 /// Adds 2 pi to `value` (and to `companion`, when given, in lockstep) while `value` is below
 /// `floor`. Within a few turns this is the plain stepping loop, so results are bit-for-bit those

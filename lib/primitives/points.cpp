@@ -51,7 +51,8 @@ int DLineUnitVector(double eps, double x1, double y1, double x2, double y2, doub
   const double dy = y2 - y1;
   const double len = std::sqrt(dx * dx + dy * dy);
   // A length of exactly eps still has a direction.
-  if (len < eps || std::isnan(len)) return 0;
+  if (len < eps || std::isnan(len))
+    return 0;
   *ux = dx / len;
   *uy = dy / len;
   return 1;

@@ -57,5 +57,5 @@ TARNSYSM_API void RotatePoint(double angle, double* p);
 
 /// Unit vector of the segment from (x1, y1) to (x2, y2) into *ux, *uy; returns 1. A segment
 /// shorter than eps (strictly) returns 0 and leaves *ux, *uy untouched.
-TARNSYSM_API int DLineUnitVector(double eps, double x1, double y1, double x2, double y2,
-                                 double* ux, double* uy);
+TARNSYSM_API int DLineUnitVector(double eps, double x1, double y1, double x2, double y2, double* ux,
+                                 double* uy);

@@ -12,7 +12,8 @@ namespace {
 // Appends x = 0 to the roots of the reduced polynomial unless one of them already counts as 0.
 int appendZeroRoot(double eps, int n, double* roots) {
   for (int i = 0; i < n; ++i) {
-    if (withinOpen(roots[i], eps)) return n;
+    if (withinOpen(roots[i], eps))
+      return n;
   }
   roots[n] = 0.0;
   return n + 1;
@@ -34,12 +35,14 @@ int SolveQuadratic(double eps, double a, double b, double c, double* roots) {
     return withinOpen(c, eps) ? -1 : 0;
   }
   const double disc = b * b - 4.0 * a * c;
-  if (disc < -eps) return 0;
+  if (disc < -eps)
+    return 0;
   if (disc < eps) {
     roots[0] = -b / (2.0 * a);
     return 1;
   }
-  if (std::isnan(disc)) return 0;
+  if (std::isnan(disc))
+    return 0;
   const double s = std::sqrt(disc);
   // The +s root comes first whatever the sign of a.
   roots[0] = (-b + s) / (2.0 * a);
@@ -48,7 +51,8 @@ int SolveQuadratic(double eps, double a, double b, double c, double* roots) {
 }
 
 int SolveCubic(double eps, double a, double b, double c, double d, double* roots) {
-  if (withinOpen(a, eps)) return SolveQuadratic(eps, b, c, d, roots);
+  if (withinOpen(a, eps))
+    return SolveQuadratic(eps, b, c, d, roots);
   if (withinOpen(d, eps)) {
     // a is not zero here, so the quadratic cannot report the identity.
     const int n = SolveQuadratic(eps, a, b, c, roots);
@@ -75,13 +79,15 @@ int SolveCubic(double eps, double a, double b, double c, double d, double* roots
     roots[1] = -u - shift;       // the double root, written once
     return 2;
   }
-  if (std::isnan(disc)) return 0;
+  if (std::isnan(disc))
+    return 0;
   // Three real roots, trigonometric form; theta lies in [0, pi].
   const double r = std::sqrt(-disc);
   double theta = kHalfPi;
   if (!withinOpen(h, eps)) {
     theta = std::atan(r / h);
-    if (theta < 0.0) theta += kPi;
+    if (theta < 0.0)
+      theta += kPi;
   }
   const double m = CubeRoot(std::sqrt(h * h + r * r));
   roots[0] = 2.0 * m * std::cos(theta / 3.0) - shift;
@@ -91,7 +97,8 @@ int SolveCubic(double eps, double a, double b, double c, double d, double* roots
 }
 
 int SolveQuartic(double eps, double a, double b, double c, double d, double e, double* roots) {
-  if (withinOpen(a, eps)) return SolveCubic(eps, b, c, d, e, roots);
+  if (withinOpen(a, eps))
+    return SolveCubic(eps, b, c, d, e, roots);
   if (withinOpen(e, eps)) {
     const int n = SolveCubic(eps, a, b, c, d, roots);
     return appendZeroRoot(eps, n, roots);
@@ -101,16 +108,19 @@ int SolveQuartic(double eps, double a, double b, double c, double d, double e, d
   const double dn = d / a;
   const double en = e / a;
   // Resolvent cubic; only its first root is used, the output array serves as scratch.
-  const int resolvent = SolveCubic(eps, 1.0, -cn, bn * dn - 4.0 * en,
-                                   4.0 * cn * en - bn * bn * en - dn * dn, roots);
-  if (resolvent <= 0) return 0;
+  const int resolvent =
+      SolveCubic(eps, 1.0, -cn, bn * dn - 4.0 * en, 4.0 * cn * en - bn * bn * en - dn * dn, roots);
+  if (resolvent <= 0)
+    return 0;
   const double y = roots[0];
 
   const double rr = bn * bn - 4.0 * cn + 4.0 * y;
-  if (rr < -eps || std::isnan(rr)) return 0;
+  if (rr < -eps || std::isnan(rr))
+    return 0;
   const double r = rr > eps ? std::sqrt(rr) : 0.0;
   const double ss = y * y - 4.0 * en;
-  if (ss < -eps || std::isnan(ss)) return 0;
+  if (ss < -eps || std::isnan(ss))
+    return 0;
   const double s = ss > eps ? std::sqrt(ss) : 0.0;
 
   // g decides which constant terms pair with which linear terms.
@@ -119,9 +129,11 @@ int SolveQuartic(double eps, double a, double b, double c, double d, double e, d
   const double second = g > 0.0 ? (y - s) / 2.0 : (y + s) / 2.0;
   // A leading coefficient of 1 only counts as zero for eps > 1; such a factor adds no roots.
   int n = SolveQuadratic(eps, 1.0, (bn + r) / 2.0, first, roots);
-  if (n < 0) n = 0;
+  if (n < 0)
+    n = 0;
   int m = SolveQuadratic(eps, 1.0, (bn - r) / 2.0, second, roots + n);
-  if (m < 0) m = 0;
+  if (m < 0)
+    m = 0;
   n += m;
 
   // Drop near-duplicates. j advances after a removal too, so the entry moved into place j is not
@@ -130,7 +142,8 @@ int SolveQuartic(double eps, double a, double b, double c, double d, double e, d
     for (int j = i + 1; j < n; ++j) {
       if (withinOpen(roots[i] - roots[j], eps)) {
         --n;
-        for (int k = j; k < n; ++k) roots[k] = roots[k + 1];
+        for (int k = j; k < n; ++k)
+          roots[k] = roots[k + 1];
       }
     }
   }
