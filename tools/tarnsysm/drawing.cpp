@@ -1,0 +1,93 @@
+// Tarnsysm tool: the drawing as the tarnsysm command sees it.
+// Names for messages, segment midpoints and the extent of lines and bulge arcs.
+#include "drawing.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarnsysm::tool {
+
+std::string describePolyline(const Polyline& polyline, std::size_t index) {
+  std::string text = "polyline " + std::to_string(index);
+  std::string where;
+  if (!polyline.handle.empty())
+    where = "handle " + polyline.handle;
+  if (!polyline.layer.empty())
+    where += (where.empty() ? "" : ", ") + ("layer " + polyline.layer);
+  if (!where.empty())
+    text += " (" + where + ")";
+  return text;
+}
+
+void segmentMidpoint(const Vertex& a, const Vertex& b, Point* mid, Point* direction) {
+  // The arc is symmetric about the chord's perpendicular bisector, so its midpoint lies on
+  // that bisector at the sagitta bulge * chord / 2 from the chord (a positive bulge bows to
+  // the right of travel), and the tangent there is parallel to the chord.
+  const double dx = b.x - a.x;
+  const double dy = b.y - a.y;
+  const double length = std::hypot(dx, dy);
+  const double halfChord = length / 2.0;
+  const double ux = length > 0.0 ? dx / length : 0.0;
+  const double uy = length > 0.0 ? dy / length : 0.0;
+  const double sagitta = a.bulge * halfChord;
+  mid->x = (a.x + b.x) / 2.0 + uy * sagitta;
+  mid->y = (a.y + b.y) / 2.0 - ux * sagitta;
+  direction->x = ux;
+  direction->y = uy;
+}
+
+namespace {
+
+void include(Extent* extent, double x, double y) {
+  extent->low.x = std::min(extent->low.x, x);
+  extent->low.y = std::min(extent->low.y, y);
+  extent->high.x = std::max(extent->high.x, x);
+  extent->high.y = std::max(extent->high.y, y);
+}
+
+// The arc's extreme points in x and y: a point of the circle belongs to the arc exactly when
+// it lies on the same side of the chord as the arc's midpoint.
+void includeArc(Extent* extent, const Vertex& a, const Vertex& b) {
+  Point mid;
+  Point u;
+  segmentMidpoint(a, b, &mid, &u);
+  include(extent, mid.x, mid.y);
+  const double bulge = std::fabs(a.bulge);
+  const double halfChord = std::hypot(b.x - a.x, b.y - a.y) / 2.0;
+  if (bulge == 0.0 || halfChord == 0.0)
+    return;
+  const double radius = halfChord * (1.0 + bulge * bulge) / (2.0 * bulge);
+  // The centre lies from the midpoint towards the chord, at the radius.
+  const double towardsChord = a.bulge > 0.0 ? 1.0 : -1.0;
+  const double cx = mid.x - u.y * towardsChord * radius;
+  const double cy = mid.y + u.x * towardsChord * radius;
+  const double midSide = u.x * (mid.y - a.y) - u.y * (mid.x - a.x);
+  const double compass[4][2] = {{1.0, 0.0}, {0.0, 1.0}, {-1.0, 0.0}, {0.0, -1.0}};
+  for (const auto& c : compass) {
+    const double qx = cx + c[0] * radius;
+    const double qy = cy + c[1] * radius;
+    const double side = u.x * (qy - a.y) - u.y * (qx - a.x);
+    if (side * midSide > 0.0)
+      include(extent, qx, qy);
+  }
+}
+
+}  // namespace
+
+bool extentOf(const std::vector<const Polyline*>& polylines, Extent* extent) {
+  bool any = false;
+  *extent = Extent{{HUGE_VAL, HUGE_VAL}, {-HUGE_VAL, -HUGE_VAL}};
+  for (const Polyline* polyline : polylines) {
+    const auto& v = polyline->vertices;
+    for (std::size_t i = 0; i < v.size(); ++i) {
+      include(extent, v[i].x, v[i].y);
+      any = true;
+      const bool hasNext = i + 1 < v.size() || (polyline->closed && v.size() > 1);
+      if (hasNext && v[i].bulge != 0.0)
+        includeArc(extent, v[i], v[(i + 1) % v.size()]);
+    }
+  }
+  return any;
+}
+
+}  // namespace tarnsysm::tool

@@ -1,0 +1,58 @@
+// Tarnsysm tool: the drawing as the tarnsysm command sees it.
+// Polylines of lines and bulge arcs, with where each came from so messages can name it.
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace tarnsysm::tool {
+
+struct Point {
+  double x = 0.0;
+  double y = 0.0;
+};
+
+/// One vertex: its position and the bulge of the segment that starts here (0: straight).
+struct Vertex {
+  double x = 0.0;
+  double y = 0.0;
+  double bulge = 0.0;
+};
+
+struct Polyline {
+  std::vector<Vertex> vertices;
+  bool closed = false;
+  std::string layer;   // DXF layer, empty for text input
+  std::string handle;  // DXF entity handle in hex, empty when the file gives none
+};
+
+struct Drawing {
+  std::vector<Polyline> polylines;
+  std::size_t skipped = 0;  // polylines the reader left out: 3D ones, meshes, tilted planes
+};
+
+/// A mistake in what the user asked for or gave us (missing file, malformed number, ...):
+/// reported as one line on stderr, exit status 2, and no output file is written.
+class UserError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// "polyline 3 (handle 2F, layer PARTS)": how messages name polyline `index` (counted from 1).
+std::string describePolyline(const Polyline& polyline, std::size_t index);
+
+/// Lowest and highest x and y over all vertices and arc bulges of the polylines; false when
+/// there is nothing to measure.
+struct Extent {
+  Point low;
+  Point high;
+};
+bool extentOf(const std::vector<const Polyline*>& polylines, Extent* extent);
+
+/// The point halfway along the segment from a to b with the given bulge (on the arc, not on
+/// the chord), and the unit direction of travel there.
+void segmentMidpoint(const Vertex& a, const Vertex& b, Point* mid, Point* direction);
+
+}  // namespace tarnsysm::tool
