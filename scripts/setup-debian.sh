@@ -3,7 +3,7 @@
 # Run as root (or through sudo); packages already present are left alone.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang clang-format binutils pkg-config
-  libgtest-dev libbenchmark-dev)
+  libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
