@@ -242,6 +242,20 @@ TEST(LAOffset, touching_line_with_a_turn_within_eps_has_no_join) {
              1e-9);
 }
 
+TEST(LAOffset, touching_line_needs_a_turn_strictly_beyond_eps) {
+  // A half circle of chord eps about (0, eps/2) touching the line at (0,0): the turn is
+  // chord·|a|·bulge = eps exactly on the way on, -eps on the way back (a cusp); neither decides.
+  const double e = kBinEps;
+  const Join on = la(e, e / 4.0, {-1, 0}, {0, 0}, {0, e}, 1.0);
+  EXPECT_EQ(on.code, 0);
+  EXPECT_TRUE(on.untouched());
+  const Join back = la(e, e / 4.0, {-1, 0}, {0, 0}, {0, -e}, 1.0);
+  EXPECT_EQ(back.code, 0);
+  EXPECT_TRUE(back.untouched());
+  // Twice the chord turns by 2 eps: the join is found again.
+  EXPECT_EQ(la(e, e / 4.0, {-1, 0}, {0, 0}, {0, 2.0 * e}, 1.0).code, 1);
+}
+
 TEST(LAOffset, degenerate_segments_report_their_side) {
   // No line: the vertex moves radially with the arc, 1.5 from the centre (1, 0).
   expectJoin(la(kEps, 0.5, {0, 0}, {0, 0}, {2, 0}, 1.0), -1, -0.5, 0.0, 1.0, 0.0);
@@ -288,6 +302,15 @@ TEST(ALOffset, touching_line_takes_the_branch_from_the_turn) {
   const double angle = std::atan2(0.9, x);  // seen from the centre, on a sweep from 0 to pi/2
   expectJoin(al(kEps, 0.1, {1, -1}, {0, 0}, {1, 0}, kQuarterBulge), 1, x, -0.1, angle / (kPi / 2.0),
              x, 1e-9);
+}
+
+TEST(ALOffset, touching_line_needs_a_turn_strictly_beyond_eps) {
+  // A half circle of chord eps from (0, eps) down to (0,0), leaving along +x: turn -eps.
+  const double e = kBinEps;
+  const Join flat = al(e, e / 4.0, {0, e}, {0, 0}, {1, 0}, 1.0);
+  EXPECT_EQ(flat.code, 0);
+  EXPECT_TRUE(flat.untouched());
+  EXPECT_EQ(al(e, e / 4.0, {0, 2.0 * e}, {0, 0}, {1, 0}, 1.0).code, 1);
 }
 
 TEST(ALOffset, degenerate_segments_report_their_side) {

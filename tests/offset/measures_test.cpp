@@ -213,8 +213,10 @@ TEST(PLineArea, non_finite_rows_give_a_non_finite_area_without_fault) {
 TEST(PointsOnPLine, parameter_slack_past_the_end_is_eps_whatever_the_length) {
   const Rows shortSegment = {{{0, 0, 0, 0, 0}}, {{1, 0, 0, 0, 0}}};
   EXPECT_EQ(onPolyline(shortSegment, 0, 1.0 + kBinEps / 2.0, 0.0, kBinEps), 1);
+  EXPECT_EQ(onPolyline(shortSegment, 0, 1.0 + kBinEps, 0.0, kBinEps), 1);
   EXPECT_EQ(onPolyline(shortSegment, 0, 1.0 + 2.0 * kBinEps, 0.0, kBinEps), 0);
   EXPECT_EQ(onPolyline(shortSegment, 0, -kBinEps / 2.0, 0.0, kBinEps), 1);
+  EXPECT_EQ(onPolyline(shortSegment, 0, -kBinEps, 0.0, kBinEps), 1);
   EXPECT_EQ(onPolyline(shortSegment, 0, -2.0 * kBinEps, 0.0, kBinEps), 0);
   // On a segment of 1024 the same parameter slack reaches a whole unit past the end.
   const Rows longSegment = {{{0, 0, 0, 0, 0}}, {{1024, 0, 0, 0, 0}}};
@@ -242,6 +244,9 @@ TEST(PointsOnPLine, zero_length_segment_never_matches) {
   EXPECT_EQ(onPolyline(twoCoincident, 0, 3.0, 3.0), 0);
   const Rows tooShort = {{{0, 0, 0, 0, 0}}, {{kBinEps / 2.0, 0, 0, 0, 0}}};
   EXPECT_EQ(onPolyline(tooShort, 0, 0.0, 0.0, kBinEps), 0);
+  // Exactly eps long is a segment.
+  const Rows epsLong = {{{0, 0, 0, 0, 0}}, {{kBinEps, 0, 0, 0, 0}}};
+  EXPECT_EQ(onPolyline(epsLong, 0, 0.0, 0.0, kBinEps), 1);
   // A neighbour decides for the shared vertex.
   const Rows withNeighbour = {{{3, 3, 0, 0, 0}}, {{3, 3, 0, 0, 0}}, {{5, 3, 0, 0, 0}}};
   EXPECT_EQ(onPolyline(withNeighbour, 0, 3.0, 3.0), 1);
@@ -252,6 +257,7 @@ TEST(PointsOnPLine, arc_takes_points_on_its_sweep_within_eps_of_the_circle) {
   const Rows arc = {{{0, 0, 1.0, 0, 0}}, {{2, 0, 0, 0, 0}}};
   EXPECT_EQ(onPolyline(arc, 0, 1.0, -1.0, kBinEps), 1);
   EXPECT_EQ(onPolyline(arc, 0, 1.0, -1.0 - kBinEps / 2.0, kBinEps), 1);
+  EXPECT_EQ(onPolyline(arc, 0, 1.0, -1.0 - kBinEps, kBinEps), 0);
   EXPECT_EQ(onPolyline(arc, 0, 1.0, -1.0 - 2.0 * kBinEps, kBinEps), 0);
   EXPECT_EQ(onPolyline(arc, 0, 1.0, -1.0 + 2.0 * kBinEps, kBinEps), 0);
   // On the circle but off the sweep.
