@@ -25,9 +25,9 @@ int writeVertexJoin(int code, double x, double y, double* ox, double* oy, double
 // first along the line's direction, plus the one met last.
 enum class Branch { none, minus, plus };
 
-// The line p + t·a crosses the circle of radius r about c, with q = p - c:
-//   |a|² t² + 2(a·q) t + |q|² - r² = 0, written with A = 2|a|², B = 2(a·q), Cq = |q|² - r²
-//   so that t = (-B ± sqrt(B² - 2·A·Cq)) / A.
+// The line p + t*a crosses the circle of radius r about c, with q = p - c:
+//   |a|^2 t^2 + 2(a*q) t + |q|^2 - r^2 = 0, written with A = 2|a|^2, B = 2(a*q), Cq = |q|^2 - r^2
+//   so that t = (-B +- sqrt(B^2 - 2*A*Cq)) / A.
 // The corner's vertex sits at parameter `target` on the line (1 for a line ending there, 0 for
 // one starting there); the branch is the root found there. A line that touches the circle has
 // one double root, and then the turn k (cross product of the two directions times the bulge)
@@ -58,7 +58,7 @@ Branch branchAtVertex(double eps, double ax, double ay, double qx, double qy, do
   return Branch::none;
 }
 
-// Parameter on the moved line q + t·a (q now relative to the centre) where it meets the moved
+// Parameter on the moved line q + t*a (q now relative to the centre) where it meets the moved
 // circle of radius rMoved on the given branch; false when it misses the circle. Round-off can
 // make a touching line's discriminant slightly negative, hence the eps slack.
 bool movedLineRoot(double eps, double ax, double ay, double qx, double qy, double rMoved,
@@ -149,7 +149,7 @@ int LLOffset(double eps, double d, double x1, double y1, double x2, double y2, d
     return writeVertexJoin(-2, px, py, ox, oy, t1, t2);
   }
 
-  // Moved lines A1 + t1·a and B2 + t2·b. c is the negated cross product of the unnormalised
+  // Moved lines A1 + t1*a and B2 + t2*b. c is the negated cross product of the unnormalised
   // directions, compared with eps itself (an area against a length, deliberately).
   double a1x, a1y, b2x, b2y;
   moveAlongNormal(d, x1, y1, x2, y2, x1, y1, &a1x, &a1y);

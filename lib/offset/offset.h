@@ -18,8 +18,8 @@
 
 /// Signed area between the segment (x1, y1)-(x2, y2) and the x axis: one term of a boundary's
 /// area sum, positive for the edges of a clockwise boundary. The straight part is the trapezoid
-/// (y1 + y2)·(x2 - x1)/2; an arc (bulge outside (-eps, eps)) subtracts its circular segment
-/// (theta - sin theta)·R²/2, theta = 4·atan(bulge), which carries theta's sign: a positive bulge
+/// (y1 + y2)*(x2 - x1)/2; an arc (bulge outside (-eps, eps)) subtracts its circular segment
+/// (theta - sin theta)*R^2/2, theta = 4*atan(bulge), which carries theta's sign: a positive bulge
 /// bows to the right of travel. Never fails; a NaN input gives NaN.
 TARNSYSM_API double LineArea(double eps, double x1, double y1, double x2, double y2, double bulge);
 
@@ -43,9 +43,9 @@ TARNSYSM_API int PointsOnPLine(double eps, double* const p, int closed, int n,
 // ---- Corner joins -----------------------------------------------------------------------------
 //
 // The corner P1 -> P2 -> P3 has a first segment P1-P2 and a second segment P2-P3. Each is moved
-// by d to the right of its travel: a line by (d/L)·(dy, -dx), an arc about the same centre to
+// by d to the right of its travel: a line by (d/L)*(dy, -dx), an arc about the same centre to
 // the radius R' = R + d for a positive bulge, R - d for a negative one. A bulge counts as zero
-// when -eps < bulge < eps; a line is degenerate when its squared length is below eps², an arc
+// when -eps < bulge < eps; a line is degenerate when its squared length is below eps^2, an arc
 // when PL_ArcParam fails. t1 and t2 are the join's parameters on the moved first and second
 // segment: 0 at its start, 1 at its end (an arc's fraction of its sweep in travel order). t1 > 1
 // or t2 < 0: the moved segments had to be extended to meet; t1 < 0 or t2 > 1: a moved segment
@@ -62,7 +62,7 @@ TARNSYSM_API int PointsOnPLine(double eps, double* const p, int closed, int n,
 //   -2  only the second segment is degenerate; LLOffset also for a degenerate first line: P2
 //       moved as a point of the other segment, t1 = 1, t2 = 0
 //   -3  both segments are degenerate: nothing written
-// "P2 moved as a point" of a line is P2 + (d/L)·(dy, -dx), of an arc C + (P2 - C)·R'/R.
+// "P2 moved as a point" of a line is P2 + (d/L)*(dy, -dx), of an arc C + (P2 - C)*R'/R.
 
 /// Join of the line P1-P2 and the line P2-P3, each moved by d. Returns 1 where the moved lines
 /// cross (the lines count as parallel when the cross product of the unnormalised directions is
@@ -100,10 +100,10 @@ TARNSYSM_API int AAOffset(double eps, double d, double x1, double y1, double x2,
                           double* oy, double* t1, double* t2);
 
 /// The point at parameter t of the segment P1-P2 (with bulge) moved by d: a line's point is
-/// P1 + (d/L)·(dy, -dx) + t·(dx, dy); an arc's is at the angle start + t·(end - start) (travel
+/// P1 + (d/L)*(dy, -dx) + t*(dx, dy); an arc's is at the angle start + t*(end - start) (travel
 /// order) on the moved circle, or the centre itself when the moved radius R' is within
 /// [-eps, eps). Returns 1 when it wrote (*ox, *oy); 0, writing nothing, for a degenerate segment
-/// (squared chord below eps², or PL_ArcParam fails) or a moved radius below -eps.
+/// (squared chord below eps^2, or PL_ArcParam fails) or a moved radius below -eps.
 TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1, double x2,
                             double y2, double bulge, double* ox, double* oy);
 

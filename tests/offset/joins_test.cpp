@@ -76,7 +76,7 @@ void expectSameJoin(const Join& a, const Join& b) {
 }
 
 // The circle of a bulge segment from elementary geometry: the centre lies off the chord's
-// midpoint along the left normal by chord·(1 - b²)/(4b) (negative: to the right).
+// midpoint along the left normal by chord*(1 - b^2)/(4b) (negative: to the right).
 struct Circle {
   double cx, cy, r;
 };
@@ -233,7 +233,7 @@ TEST(LAOffset, touching_line_takes_the_branch_from_the_turn) {
 
 TEST(LAOffset, touching_line_with_a_turn_within_eps_has_no_join) {
   const double eps = 1e-3;
-  // Quarter circle about (0, 0.0015): the turn is 0.0015·tan(pi/8), about 6.2e-4.
+  // Quarter circle about (0, 0.0015): the turn is 0.0015*tan(pi/8), about 6.2e-4.
   const Join flat = la(eps, 1e-3, {-1, 0}, {0, 0}, {1.5e-3, 1.5e-3}, kQuarterBulge);
   EXPECT_EQ(flat.code, 0);
   EXPECT_TRUE(flat.untouched());
@@ -244,7 +244,7 @@ TEST(LAOffset, touching_line_with_a_turn_within_eps_has_no_join) {
 
 TEST(LAOffset, touching_line_needs_a_turn_strictly_beyond_eps) {
   // A half circle of chord eps about (0, eps/2) touching the line at (0,0): the turn is
-  // chord·|a|·bulge = eps exactly on the way on, -eps on the way back (a cusp); neither decides.
+  // chord*|a|*bulge = eps exactly on the way on, -eps on the way back (a cusp); neither decides.
   const double e = kBinEps;
   const Join on = la(e, e / 4.0, {-1, 0}, {0, 0}, {0, e}, 1.0);
   EXPECT_EQ(on.code, 0);
@@ -400,7 +400,7 @@ const double kJoinAngle = std::atan((kHalfChord / kSqrt2 - 0.5) / (kHalfChord / 
 
 TEST(AAOffset, right_turn_takes_the_first_circle_point_on_the_vertex_side) {
   // Half circle about (-1,0) heading up into (0,0), then a half circle about (0,1) heading +x:
-  // a right turn. Moved right (inside) the circles of radius 1.5 meet at (-0.5,0.5) ± the half
+  // a right turn. Moved right (inside) the circles of radius 1.5 meet at (-0.5,0.5) +- the half
   // chord along (1,-1)/sqrt 2; the vertex's side is the one towards +x.
   const double w = kHalfChord / kSqrt2;
   expectJoin(aa(kEps, 0.5, {-2, 0}, {0, 0}, {0, 2}, 1.0, 1.0), 1, -0.5 + w, 0.5 - w,

@@ -73,8 +73,8 @@ TEST(LineArea, half_circle_segment_is_subtracted_for_a_positive_bulge) {
 }
 
 TEST(LineArea, major_arc_takes_the_large_part_of_the_disc) {
-  // Bulge 2 on a chord of 2: sagitta = bulge·chord/2 = 2, radius 1.25; the major segment is the
-  // disc minus the minor segment of sagitta 2·1.25 - 2 = 0.5 on the other side.
+  // Bulge 2 on a chord of 2: sagitta = bulge*chord/2 = 2, radius 1.25; the major segment is the
+  // disc minus the minor segment of sagitta 2*1.25 - 2 = 0.5 on the other side.
   const double major = kPi * 1.25 * 1.25 - minorSegmentArea(2.0, 0.5);
   EXPECT_NEAR(LineArea(kEps, 0, 0, 2, 0, 2.0), -major, 1e-12);
   EXPECT_NEAR(LineArea(kEps, 0, 0, 2, 0, -2.0), major, 1e-12);
@@ -318,7 +318,7 @@ TEST(PointsOnPLine, random_points_on_single_segments_are_found) {
       nx = (y2 - y1) / c;
       ny = -(x2 - x1) / c;
     } else {
-      // Centre off the chord midpoint along the left normal by c(1 - b²)/(4b).
+      // Centre off the chord midpoint along the left normal by c(1 - b^2)/(4b).
       const double off = c * (1.0 - bulge * bulge) / (4.0 * bulge);
       const double cx = (x1 + x2) / 2.0 - (y2 - y1) / c * off;
       const double cy = (y1 + y2) / 2.0 + (x2 - x1) / c * off;
