@@ -248,6 +248,27 @@ TEST(get_arc_box, quadrant_point_within_eps_of_the_start_is_not_merged) {
   EXPECT_EQ(c.ymax, r);
 }
 
+TEST(get_arc_box, end_within_eps_past_a_quadrant_angle_does_not_merge_it) {
+  // With r = 1e4 the end, eps/2 past angle 0, stands r (1 - cos(eps/2)) = 1.25e-3 short of the
+  // rightmost point, more than eps; still the quadrant point is not merged, the end is xmax.
+  const double eps = 1e-3;
+  const double r = 1e4;
+  const double ea = kTwoPi + eps / 2;
+  const Box b = boxOf(eps, 0, 0, r, 1.0, ea);
+  EXPECT_EQ(b.xmax, r * std::cos(ea));
+  EXPECT_LT(b.xmax, r - eps);
+}
+
+TEST(get_arc_box, quadrant_point_less_than_eps_outside_the_box_does_not_widen_it) {
+  // The sweep passes angle 0 by 2 eps, so (1, 0) is merged, but it lies only 1 - cos(2 eps),
+  // about 2e-6, beyond the end point: within the eps slack, the box keeps the end's x.
+  const double eps = 1e-3;
+  const double ea = kTwoPi + 2 * eps;
+  const Box b = boxOf(eps, 0, 0, 1, 1.0, ea);
+  EXPECT_EQ(b.xmax, std::cos(ea));
+  EXPECT_LT(b.xmax, 1.0);
+}
+
 TEST(get_arc_box, end_point_just_inside_the_start_replaces_the_maximum) {
   // The end's x lies eps/2 below the start's x: it still counts as "not below the minimum" and
   // becomes xmax even though the start reaches further (deliberate: no comparison with xmax).

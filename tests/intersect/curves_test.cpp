@@ -349,6 +349,16 @@ TEST(DCirLInts, points_closer_than_eps_merge_into_their_midpoint) {
   EXPECT_EQ(h.flag, 1);
   EXPECT_EQ(h.xb, c);  // B is kept
   EXPECT_EQ(h.yb, 0.0);
+  // A line slightly tilted through the same kind of circle: the x coordinates round together,
+  // the y coordinates stay apart (+-h uy, with h = 5e-9 and uy about 0.05) but closer than eps.
+  // xa, ya is their midpoint, the foot (c, 0); B stays in xb, yb.
+  const Hit tilted = cirL(1e-9, c - 1, -0.05, c + 1, 0.05, c, 0, 5e-9);
+  ASSERT_EQ(tilted.n, 1);
+  EXPECT_EQ(tilted.xa, c);
+  EXPECT_NEAR(tilted.ya, 0.0, 1e-13);
+  EXPECT_EQ(tilted.xb, c);
+  EXPECT_NEAR(tilted.yb, 5e-9 * 0.05 / std::sqrt(1 + 0.05 * 0.05), 1e-13);
+  EXPECT_EQ(tilted.flag, 1);
   // The same circle seen from a segment that stops short: merged, and off the segment.
   const Hit off = cirL(1e-9, c - 3, 0, c - 1, 0, c, 0, 5e-9);
   ASSERT_EQ(off.n, 1);
