@@ -680,6 +680,15 @@ TEST(D2CirInts, concentric_circles_never_meet) {
   EXPECT_EQ(cirCir(kEps, 0, 0, 0, 0, 0, 0).n, 0);
 }
 
+TEST(D2CirInts, circles_too_small_to_normalise_by_are_points_and_never_meet) {
+  // Radii of 0, or so small that their square is no longer a normal double, would make the
+  // radius-normalised distances infinite; such circles ten units apart must not "touch".
+  EXPECT_EQ(cirCir(kEps, 0, 0, 0, 10, 0, 0).n, 0);
+  EXPECT_EQ(cirCir(kEps, 0, 0, 1e-200, 10, 0, 1e-200).n, 0);
+  EXPECT_EQ(cirCir(1e-9, 0, 0, 1e-160, 10, 0, 1e-160).n, 0);
+  EXPECT_EQ(cirCir(1e-9, 0, 0, 0, 10, 0, 1e-170).n, 0);
+}
+
 TEST(D2CirInts, chord_discriminant_is_a_fourth_power_compared_with_eps_unscaled) {
   // Circles of radius 0.01 whose centres are 0.018 apart cross at a clear angle, but D^2 times
   // the squared half chord is about 6e-9, below eps = 1e-3: reported as touching, at the foot.
