@@ -18,7 +18,8 @@
 TARNSYSM_API int DAngle(double eps, double x1, double y1, double x2, double y2, double* angle);
 
 /// Reduces *angle into one turn: fmod by 2 pi, then 2 pi is added when the remainder is below
-/// -eps. A value in [-eps, 0) stays negative; 2 pi becomes 0. A NaN stays NaN.
+/// -eps. A value in [-eps, 0) stays negative; 2 pi becomes 0, -2 pi becomes -0. A NaN stays NaN
+/// and an infinity becomes NaN.
 TARNSYSM_API void fpos2pi(double eps, double* angle);
 
 /// asin(x) for -1 < x < 1, -pi/2 for exactly -1, pi/2 for exactly 1, and 0 for anything else
@@ -56,6 +57,7 @@ TARNSYSM_API void Assign3DPoint(double* dst, double x, double y, double z);
 TARNSYSM_API void RotatePoint(double angle, double* p);
 
 /// Unit vector of the segment from (x1, y1) to (x2, y2) into *ux, *uy; returns 1. A segment
-/// shorter than eps (strictly) returns 0 and leaves *ux, *uy untouched.
+/// shorter than eps (strictly; exactly eps still has a direction), or one whose length is NaN,
+/// returns 0 and leaves *ux, *uy untouched.
 TARNSYSM_API int DLineUnitVector(double eps, double x1, double y1, double x2, double y2, double* ux,
                                  double* uy);
