@@ -66,7 +66,7 @@ void draftingArcs() {
   short flag;
   if (DArcParam3P(kEps, p1, p2, p3, centre, &r, &sa, &ea, &flag)) {
     std::printf("  through (0,0), (1,1), (2,0):                centre (%g, %g), r %g, %s\n",
-                centre[0], centre[1], r, flag == 1 ? "clockwise" : "counter-clockwise");
+                centre[0] + 0.0, centre[1] + 0.0, r, flag == 1 ? "clockwise" : "counter-clockwise");
   }
   // A polyline segment leaving (0,0) along +x and ending at (1,1): bulge and the next direction.
   double stp[2] = {0, 0}, edp[2] = {1, 1};
