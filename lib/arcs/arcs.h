@@ -101,16 +101,18 @@ TARNSYSM_API int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, 
                               double* endDir);
 
 /// Segment from stp to edp with the signed included angle ina (reduced by whole turns into
-/// [-2 pi - eps, 2 pi + eps]): bulge = tan(ina / 4). The end direction is the tangent of the arc
-/// for a counter-clockwise arc up to a half circle; for clockwise arcs and arcs of more than a
-/// half circle it is taken, as the drafting host does, from a centre on the chord's normal
-/// through stp at the arc's radius, and is not the arc's tangent. Returns 1.
+/// [-2 pi - eps, 2 pi + eps]): bulge = tan(ina / 4). The end direction is the arc's tangent when
+/// the centre lies to the left of the chord (counter-clockwise up to a half circle, clockwise
+/// beyond). Otherwise (clockwise up to a half circle, counter-clockwise beyond) it is taken, as
+/// the drafting host does, from a centre on the chord's right-hand normal through stp at the
+/// arc's radius, and is not the arc's tangent. Returns 1.
 TARNSYSM_API int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge,
                               double* endDir);
 
 /// Segment from stp turning by the signed included angle ina (reduced as above) about the centre
 /// cen: bulge = tan(ina / 4). Writes the end point over cen[0..1]. A start point within eps of
-/// the centre gives the end point stp. Returns 1.
+/// the centre gives the end point stp and the end direction pi / 2 (3 pi / 2 for a bulge not
+/// above eps). Returns 1.
 TARNSYSM_API int PL_StpInaCen(double eps, double* stp, double ina, double* cen, double* bulge,
                               double* endDir);
 
@@ -136,7 +138,7 @@ TARNSYSM_API int PL_StpCenLen(double eps, double* stp, double* cen, double len, 
 
 /// Minor-arc segment of radius rad from stp to edp: counter-clockwise for rad > 0, clockwise for
 /// rad < 0. A chord longer than the diameter gives bulge 0 (reject it with PL_TestVertex kind
-/// 8). Returns 1.
+/// 8, which also refuses every negative rad). Returns 1.
 TARNSYSM_API int PL_StpRadEdp(double eps, double* stp, double rad, double* edp, double* bulge,
                               double* endDir);
 

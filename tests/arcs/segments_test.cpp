@@ -204,7 +204,7 @@ TEST(PL_StpStaEdp, major_arcs_when_the_end_point_lies_behind_the_start) {
 
 // ---- PL_StpInaEdp -----------------------------------------------------------------------
 
-TEST(PL_StpInaEdp, counter_clockwise_minor_arc_ends_on_its_tangent) {
+TEST(PL_StpInaEdp, arcs_centred_left_of_the_chord_end_on_their_tangent) {
   double stp[2] = {0, 0};
   double edp[2] = {2, 0};
   double bulge = 0, endDir = 0;
@@ -215,6 +215,10 @@ TEST(PL_StpInaEdp, counter_clockwise_minor_arc_ends_on_its_tangent) {
   ASSERT_EQ(PL_StpInaEdp(kEps, stp, kHalfPi + 2 * kTwoPi, edp, &bulge, &endDir), 1);
   EXPECT_NEAR(bulge, kQuarterBulge, 1e-12);
   EXPECT_NEAR(endDir, kPi / 4, 1e-12);
+  // Three quarters clockwise about (1, 1): arriving at (2, 0) heading down and left.
+  ASSERT_EQ(PL_StpInaEdp(kEps, stp, -3 * kHalfPi, edp, &bulge, &endDir), 1);
+  EXPECT_NEAR(bulge, -std::tan(3 * kPi / 8), 1e-12);
+  EXPECT_NEAR(endDir, 5 * kPi / 4, 1e-12);
 }
 
 TEST(PL_StpInaEdp, clockwise_end_direction_comes_from_a_centre_on_the_normal_through_stp) {
@@ -527,6 +531,7 @@ TEST_F(RandomSegments, stp_sta_edp_leaves_in_the_start_direction) {
 
 TEST_F(RandomSegments, stp_ina_edp_sweeps_the_included_angle) {
   int checked = 0;
+  int tangentChecked = 0;
   for (int i = 0; i < 500; ++i) {
     Pt s = point();
     Pt e = point();
@@ -538,12 +543,15 @@ TEST_F(RandomSegments, stp_ina_edp_sweeps_the_included_angle) {
     EXPECT_NEAR(4 * std::atan(bulge), ina, tol);
     const BulgeArc arc = arcOfBulge(eps, s, e, bulge);
     EXPECT_NEAR(arc.ea - arc.sa, std::fabs(ina), tol);
-    // Only counter-clockwise arcs up to a half circle end on their tangent (see the header).
-    if (ina > 0 && ina <= kPi)
+    // Only arcs whose centre lies left of the chord end on their tangent (see the header).
+    if ((ina > 0 && ina <= kPi) || ina < -kPi - 1e-6) {
       expectEndTangent(s, e, bulge, endDir);
+      ++tangentChecked;
+    }
     ++checked;
   }
   EXPECT_GT(checked, 250);  // the filters above must leave most cases
+  EXPECT_GT(tangentChecked, 150);
 }
 
 TEST_F(RandomSegments, stp_ina_cen_turns_about_the_given_centre) {
