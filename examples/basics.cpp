@@ -1,5 +1,6 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
-// A tour of the basics: angles, arc membership, intersections and bulge arcs, printed readably.
+// A tour of the basics: angles, arc membership, intersections, bulge arcs and arcs from drafting
+// input, printed readably.
 #include <Tarnsysm.h>
 
 #include <cstdio>
@@ -57,11 +58,35 @@ void bulges() {
   std::printf("  its extents:                                x %g..%g, y %g..%g\n", x0, x1, y0, y1);
 }
 
+void draftingArcs() {
+  std::printf("Arcs from drafting input\n");
+  double p1[2] = {0, 0}, p2[2] = {1, 1}, p3[2] = {2, 0};
+  double centre[2];
+  double r, sa, ea;
+  short flag;
+  if (DArcParam3P(kEps, p1, p2, p3, centre, &r, &sa, &ea, &flag)) {
+    std::printf("  through (0,0), (1,1), (2,0):                centre (%g, %g), r %g, %s\n",
+                centre[0] + 0.0, centre[1] + 0.0, r, flag == 1 ? "clockwise" : "counter-clockwise");
+  }
+  // A polyline segment leaving (0,0) along +x and ending at (1,1): bulge and the next direction.
+  double stp[2] = {0, 0}, edp[2] = {1, 1};
+  double bulge, endDir;
+  if (PL_TestVertex(2, kEps, stp, 0.0, edp) && PL_StpStaEdp(kEps, stp, 0.0, edp, &bulge, &endDir)) {
+    std::printf("  from (0,0) heading 0 deg to (1,1):          bulge %.6f, then heading %g deg\n",
+                bulge, endDir * kDegrees);
+  }
+  double nx, ny;
+  if (DPnearArc(kEps, 0.1, -1, 0, 0, 1, 0, 180 / kDegrees, &nx, &ny)) {
+    std::printf("  upper unit half circle, nearest to (0.1,-1): (%g, %g)\n", nx, ny);
+  }
+}
+
 }  // namespace
 
 int main() {
   angles();
   intersections();
   bulges();
+  draftingArcs();
   return 0;
 }

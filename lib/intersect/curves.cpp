@@ -6,6 +6,7 @@
 #include "primitives/primitives.h"
 
 #include <cmath>
+#include <limits>
 
 using namespace tarnsysm::detail;
 
@@ -151,10 +152,13 @@ int D2CirInts(double eps, double x1, double y1, double r1, double x2, double y2,
   const double dx = x2 - x1;
   const double dy = y2 - y1;
   const double d2 = dx * dx + dy * dy;
-  // Concentric circles never meet in a point; two point circles have no curve to meet.
-  if (d2 == 0.0 || big == 0.0)
+  // Concentric circles never meet in a point. A radius whose square is not a normal double (0,
+  // or below about 1e-154) makes a point, not a curve: normalising by it would turn every
+  // distance into infinity and report far-apart points as touching.
+  const double big2 = big * big;
+  if (d2 == 0.0 || !(big2 >= std::numeric_limits<double>::min()))
     return 0;
-  const double q = d2 / (big * big);
+  const double q = d2 / big2;
   if (std::isnan(q))
     return 0;
   if (square((r1 + r2 + eps) / big) < q)

@@ -20,23 +20,30 @@ TARNSYSM_API int D2LInts(double eps, double x1, double y1, double x2, double y2,
 /// Intersection of the line (x1, y1)-(x2, y2) with the circle about (cx, cy) of radius r.
 /// Returns 2 with A in (xa, ya) and B in (xb, yb), A met first going from the first point to the
 /// second; 1 for a tangent (the foot of the perpendicular, in xa, ya) or when A and B are closer
-/// than eps (their midpoint, in xa, ya); 0 for no point or a line shorter than eps. *flag is
-/// set to 0 on entry, then bit 1 when the first written point lies on the segment and bit 2 when
-/// the second does (strict: -eps < p < L + eps along the line).
+/// than eps (their midpoint in xa, ya; B stays in xb, yb); 0 for no point or a line not longer
+/// than eps. A line at distance exactly r - eps from the centre meets nothing (it falls between
+/// the strict tangent and secant tests). *flag is set to 0 on entry, then bit 1 when the first
+/// written point lies on the segment and bit 2 when the second does (strict: -eps < p < L + eps,
+/// p the distance along the line from the first point).
 TARNSYSM_API int DCirLInts(double eps, double x1, double y1, double x2, double y2, double cx,
                            double cy, double r, double* xa, double* ya, double* xb, double* yb,
                            int* flag);
 
 /// Intersection of the line (x1, y1)-(x2, y2) with the arc about (cx, cy), radius r, swept
-/// counter-clockwise from sa to ea. Returns the number of points on the arc (0, 1, 2); an
-/// accepted point always stands in the first slot, and the flag bits follow the points.
+/// counter-clockwise from sa to ea; eps also serves as the angular tolerance at the arc's ends.
+/// Returns the number of points on the arc (0, 1, 2). The line-circle points are those of
+/// DCirLInts; an accepted point always stands in the first slot and *flag keeps the segment bit
+/// of the points kept (bit 1 for a single point), 0 when none is kept.
 TARNSYSM_API int DArcLInts(double eps, double x1, double y1, double x2, double y2, double cx,
                            double cy, double r, double sa, double ea, double* xa, double* ya,
                            double* xb, double* yb, int* flag);
 
 /// Intersection of two circles. Returns 2 with A (right of the directed line from the first
 /// centre to the second) in xa, ya and B (left) in xb, yb; 1 for touching circles (the foot of
-/// the common chord, in xa, ya); 0 for none, concentric or degenerate circles.
+/// the common chord, in xa, ya); 0 for none, for concentric circles and for circles whose
+/// radius squared is not a normal double (points, not curves). Distances are compared as squares
+/// normalised by the larger radius; the squared half chord times the squared centre distance is
+/// compared with eps unscaled, so small circles crossing at a clear angle may count as touching.
 TARNSYSM_API int D2CirInts(double eps, double x1, double y1, double r1, double x2, double y2,
                            double r2, double* xa, double* ya, double* xb, double* yb);
 

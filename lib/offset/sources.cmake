@@ -1,2 +1,5 @@
 # Tarnsysm: sources of the polyline offset.
 list(APPEND TARNSYSM_PUBLIC_HEADERS offset/offset.h)
+list(APPEND TARNSYSM_SOURCES
+  offset/measures.cpp
+  offset/joins.cpp)

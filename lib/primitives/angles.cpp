@@ -102,6 +102,22 @@ double arccos(double x) {
 }
 
 int ValidAngle(double eps, double start, double end, double angle) {
+  // Everyday arcs and atan2 angles lie within a few turns of each other: then no loop below can
+  // run more than about a dozen steps, and the plain stepping (exactly what the turn helpers do at
+  // such distances) saves their guards. NaN and infinities fail this test and are handled below.
+  constexpr double kNearTurns = 8.0 * kTwoPi;
+  if (std::fabs(eps) + std::fabs(start) + std::fabs(end) + std::fabs(angle) <= kNearTurns) {
+    const double low = start - eps;
+    double e = end;
+    while (e < low)
+      e += kTwoPi;
+    double a = angle;
+    while (a < low)
+      a += kTwoPi;
+    while (e + eps < a)
+      a -= kTwoPi;
+    return low <= a ? 1 : 0;
+  }
   if (!std::isfinite(eps) || !std::isfinite(start) || !std::isfinite(end) ||
       !std::isfinite(angle)) {
     return 0;

@@ -18,7 +18,8 @@
 TARNSYSM_API int DAngle(double eps, double x1, double y1, double x2, double y2, double* angle);
 
 /// Reduces *angle into one turn: fmod by 2 pi, then 2 pi is added when the remainder is below
-/// -eps. A value in [-eps, 0) stays negative; 2 pi becomes 0. A NaN stays NaN.
+/// -eps. A value in [-eps, 0) stays negative; 2 pi becomes 0, -2 pi becomes -0. A NaN stays NaN
+/// and an infinity becomes NaN.
 TARNSYSM_API void fpos2pi(double eps, double* angle);
 
 /// asin(x) for -1 < x < 1, -pi/2 for exactly -1, pi/2 for exactly 1, and 0 for anything else
@@ -56,6 +57,58 @@ TARNSYSM_API void Assign3DPoint(double* dst, double x, double y, double z);
 TARNSYSM_API void RotatePoint(double angle, double* p);
 
 /// Unit vector of the segment from (x1, y1) to (x2, y2) into *ux, *uy; returns 1. A segment
-/// shorter than eps (strictly) returns 0 and leaves *ux, *uy untouched.
+/// shorter than eps (strictly; exactly eps still has a direction), or one whose length is NaN,
+/// returns 0 and leaves *ux, *uy untouched.
 TARNSYSM_API int DLineUnitVector(double eps, double x1, double y1, double x2, double y2, double* ux,
                                  double* uy);
+
+// ---- Point queries ---------------------------------------------------------------------------
+
+/// 1 when (px, py) lies within eps of the line through the segment (exactly eps passes) and
+/// inside the segment's box enlarged by eps (closed); else 0. A segment shorter than eps is a
+/// point with that box.
+TARNSYSM_API int DPointOnLine(double eps, double px, double py, double x1, double y1, double x2,
+                              double y2);
+
+/// 1 when (px, py) lies within eps of the circle about (cx, cy) of radius r (closed) and its
+/// angle on the counter-clockwise sweep from sa to ea (ValidAngle); else 0, also for r < eps.
+/// The angle's cosine is taken against r, not the point's distance.
+TARNSYSM_API int DPointOnArc(double eps, double px, double py, double cx, double cy, double r,
+                             double sa, double ea);
+
+/// Foot of the perpendicular from (px, py) on the line through the segment, into *fx, *fy.
+/// Returns 1 when the foot lies within the segment (eps slack at both ends, closed), 2 when
+/// outside, 0 for a segment shorter than eps (outputs untouched).
+TARNSYSM_API int DPointVerL(double eps, double px, double py, double x1, double y1, double x2,
+                            double y2, double* fx, double* fy);
+
+/// The point at signed distance dist from (x1, y1) towards (x2, y2), into *x, *y (dist may be
+/// negative or beyond the segment). Returns 1; 0 for a segment shorter than eps (untouched).
+TARNSYSM_API int DPonLdisP(double eps, double dist, double x1, double y1, double x2, double y2,
+                           double* x, double* y);
+
+/// The point at fraction k (-eps <= k <= 1 + eps) of the polyline segment from p1 to p2 with the
+/// given bulge, and the direction of travel there: result[0..2] = x, y, direction. The direction
+/// lies in [-eps, 2 pi) like every angle of the library: a value below -eps is lifted by whole
+/// turns. Returns 1; 0 for k out of range or a chord shorter than eps (result untouched).
+TARNSYSM_API int DPonPLperV(double eps, double k, double* p1, double* p2, double bulge,
+                            double* result);
+
+/// The point at fraction k of the arc about centre[0..1] of radius r swept from sa to ea, into
+/// *x, *y. Returns 1; 0 for k outside [0, 1] (exact bounds; outputs untouched).
+TARNSYSM_API int DPonAperK(double eps, double k, double* centre, double r, double sa, double ea,
+                           double* x, double* y);
+
+/// Point of the segment nearest to (px, py), into *nx, *ny. eps acts on the segment parameter
+/// and inward: a foot within eps of an end, in parameter terms, snaps to that end. Returns 1; 0
+/// for a segment shorter than eps (outputs untouched).
+TARNSYSM_API int DPnearLine(double eps, double px, double py, double x1, double y1, double x2,
+                            double y2, double* nx, double* ny);
+
+/// Point of the arc about (cx, cy), radius r, swept counter-clockwise from sa to ea, nearest to
+/// (px, py), into *nx, *ny: the radial projection when it falls on the arc, else the end nearer
+/// by angle (a tie within eps goes to the start). Expects the arc as PL_ArcParam delivers it
+/// (ea at most one turn below sa is lifted once). Returns 1; 0 when the point is within eps of
+/// the centre or r < eps (outputs untouched).
+TARNSYSM_API int DPnearArc(double eps, double px, double py, double cx, double cy, double r,
+                           double sa, double ea, double* nx, double* ny);

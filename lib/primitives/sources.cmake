@@ -2,5 +2,6 @@
 list(APPEND TARNSYSM_SOURCES
   primitives/angles.cpp
   primitives/points.cpp
+  primitives/queries.cpp
   primitives/solvers.cpp)
 list(APPEND TARNSYSM_PUBLIC_HEADERS primitives/primitives.h)

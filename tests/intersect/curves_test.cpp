@@ -1,31 +1,874 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
-// Tests of line, circle and arc intersections: points, order and flags.
+// Tests of line, circle and arc intersections: points, their order, the segment flags, the
+// tolerance boundaries, and that every reported point lies on both curves.
 #include <Tarnsysm.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
+#include <ostream>
+#include <random>
 
 namespace {
 
-constexpr double kEps = 1e-6;
+// A power of two: boundary cases below add and multiply it exactly.
+constexpr double kEps = 1.0 / 1024.0;
+constexpr double kFine = 1e-9;
+constexpr double kPi = 3.141592653589793;
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kHalfPi = 1.5707963267948966;
+constexpr double kSentinel = -4242.125;
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+const double kHalfSqrt3 = std::sqrt(3.0) / 2;
+
+// Distance from (px, py) to the infinite line through (x1, y1) and (x2, y2).
+double distanceToLine(double px, double py, double x1, double y1, double x2, double y2) {
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  return std::fabs((px - x1) * dy - (py - y1) * dx) / std::hypot(dx, dy);
+}
+
+// Signed length from (x1, y1) along the direction to (x2, y2) to the projection of (px, py).
+double lengthAlong(double px, double py, double x1, double y1, double x2, double y2) {
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  return ((px - x1) * dx + (py - y1) * dy) / std::hypot(dx, dy);
+}
+
+// Is the polar angle of (px, py) about (cx, cy) within the counter-clockwise sweep from sa to ea
+// (sweeps shorter than a turn), with a margin? Returns -1 when too close to an end to tell.
+int angleWithinSweep(double px, double py, double cx, double cy, double sa, double ea,
+                     double margin) {
+  const double sweep = ea - sa;
+  double offset = std::fmod(std::atan2(py - cy, px - cx) - sa, kTwoPi);
+  if (offset < 0)
+    offset += kTwoPi;
+  if (std::fabs(offset - sweep) < margin || offset < margin || kTwoPi - offset < margin)
+    return -1;
+  return offset <= sweep ? 1 : 0;
+}
+
+// ---------------------------------------------------------------------------------------------
+// D2LInts
 
 TEST(D2LInts, vertical_and_horizontal_lines_meet_outside_the_first_segment) {
-  double x = 0, y = 0;
+  double x = kSentinel, y = kSentinel;
   int flag = -1;
   ASSERT_EQ(D2LInts(kEps, 0, 0, 1, 0, 2, -1, 2, 1, &x, &y, &flag), 1);
-  EXPECT_DOUBLE_EQ(x, 2.0);
-  EXPECT_DOUBLE_EQ(y, 0.0);
+  EXPECT_EQ(x, 2.0);
+  EXPECT_EQ(y, 0.0);
   EXPECT_EQ(flag, 2);
 }
 
-TEST(D2CirInts, first_point_lies_right_of_the_centre_line) {
+TEST(D2LInts, crossing_inside_both_segments_sets_both_bits) {
+  double x = 0, y = 0;
+  int flag = -1;
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 4, 4, 0, 4, 4, 0, &x, &y, &flag), 1);
+  EXPECT_EQ(x, 2.0);
+  EXPECT_EQ(y, 2.0);
+  EXPECT_EQ(flag, 3);
+  // Far outside both.
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 1, 1, 10, 0, 11, -1, &x, &y, &flag), 1);
+  EXPECT_DOUBLE_EQ(x, 5.0);
+  EXPECT_DOUBLE_EQ(y, 5.0);
+  EXPECT_EQ(flag, 0);
+}
+
+struct SegmentEndCase {
+  const char* name;
+  double x3, y3, x4, y4;  // second line; the first is (0, 0)-(1, 0)
+  int flag;
+};
+
+std::ostream& operator<<(std::ostream& os, const SegmentEndCase& c) {
+  return os << c.name;
+}
+
+class D2LIntsSegmentEnds : public testing::TestWithParam<SegmentEndCase> {};
+
+TEST_P(D2LIntsSegmentEnds, parameter_tolerance_is_closed_and_dimensionless) {
+  const SegmentEndCase& c = GetParam();
+  double x = kSentinel, y = kSentinel;
+  int flag = -1;
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 1, 0, c.x3, c.y3, c.x4, c.y4, &x, &y, &flag), 1);
+  EXPECT_EQ(flag, c.flag);
+  EXPECT_EQ(y, 0.0);
+}
+
+constexpr double kE = kEps;
+INSTANTIATE_TEST_SUITE_P(
+    Boundaries, D2LIntsSegmentEnds,
+    testing::Values(
+        // Vertical second lines cut the first at t = its x.
+        SegmentEndCase{"first_end_plus_half_eps", 1 + kE / 2, -1, 1 + kE / 2, 1, 3},
+        SegmentEndCase{"first_end_plus_eps", 1 + kE, -1, 1 + kE, 1, 3},
+        SegmentEndCase{"first_end_plus_two_eps", 1 + 2 * kE, -1, 1 + 2 * kE, 1, 2},
+        SegmentEndCase{"first_start_minus_half_eps", -kE / 2, -1, -kE / 2, 1, 3},
+        SegmentEndCase{"first_start_minus_eps", -kE, -1, -kE, 1, 3},
+        SegmentEndCase{"first_start_minus_two_eps", -2 * kE, -1, -2 * kE, 1, 2},
+        // Vertical second lines of length 1 at x = 0.5, moved so that u sits at an end.
+        SegmentEndCase{"second_start_minus_eps", 0.5, kE, 0.5, 1 + kE, 3},
+        SegmentEndCase{"second_start_minus_two_eps", 0.5, 2 * kE, 0.5, 1 + 2 * kE, 1},
+        SegmentEndCase{"second_end_plus_eps", 0.5, -1 - kE, 0.5, -kE, 3},
+        SegmentEndCase{"second_end_plus_two_eps", 0.5, -1 - 2 * kE, 0.5, -2 * kE, 1}),
+    [](const testing::TestParamInfo<SegmentEndCase>& info) { return info.param.name; });
+
+TEST(D2LInts, slope_difference_must_reach_eps) {
+  double x = 0, y = 0;
+  int flag = -1;
+  // Slopes eps and 0: exactly eps apart is not parallel (open test); they meet at x = 1/eps.
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 64, 64 * kEps, 0, 1, 64, 1, &x, &y, &flag), 1);
+  EXPECT_EQ(x, 1024.0);
+  EXPECT_EQ(y, 1.0);
+  EXPECT_EQ(flag, 0);
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 64, 128 * kEps, 0, 1, 64, 1, &x, &y, &flag), 1);
+  EXPECT_EQ(x, 512.0);
+  // Half of eps apart: parallel, and the flag is still reset.
+  flag = -1;
+  EXPECT_EQ(D2LInts(kEps, 0, 0, 64, 32 * kEps, 0, 1, 64, 1, &x, &y, &flag), 0);
+  EXPECT_EQ(flag, 0);
+}
+
+TEST(D2LInts, a_line_with_dx_within_eps_counts_as_vertical) {
+  double x = 0, y = 0;
+  int flag = -1;
+  // dx = eps: vertical (closed), and with another vertical line that is "parallel".
+  EXPECT_EQ(D2LInts(kEps, 0, 0, kEps, 1, 5, 0, 5, 1, &x, &y, &flag), 0);
+  EXPECT_EQ(flag, 0);
+  EXPECT_EQ(D2LInts(kEps, 0, 0, -kEps, 1, 5, 0, 5, 1, &x, &y, &flag), 0);
+  // dx = 2 eps: a steep line, no slope test against a vertical one, so they meet far up.
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 2 * kEps, 1, 5, 0, 5, 1, &x, &y, &flag), 1);
+  EXPECT_EQ(x, 5.0);
+  EXPECT_EQ(y, 2560.0);
+  EXPECT_EQ(flag, 0);
+}
+
+TEST(D2LInts, determinant_is_an_area_compared_with_eps_unscaled) {
+  double x = kSentinel, y = kSentinel;
+  int flag = -1;
+  // First line vertical of length 0.5; second horizontal of length 2 eps: det = eps exactly.
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 0, 0.5, 1, 0, 1 + 2 * kEps, 0, &x, &y, &flag), 1);
+  EXPECT_EQ(x, 0.0);
+  EXPECT_EQ(y, 0.0);
+  EXPECT_EQ(flag, 1);
+  ASSERT_EQ(D2LInts(kEps, 0, 0, 0, -0.5, 1, 0, 1 + 2 * kEps, 0, &x, &y, &flag), 1);
+  EXPECT_EQ(flag, 1);
+  // det = eps/2: treated as parallel even though the lines are perpendicular.
+  EXPECT_EQ(D2LInts(kEps, 0, 0, 0, 0.25, 1, 0, 1 + 2 * kEps, 0, &x, &y, &flag), 0);
+  EXPECT_EQ(flag, 0);
+}
+
+TEST(D2LInts, parallel_coincident_and_degenerate_lines_give_zero_with_flag_reset) {
+  double x = 0, y = 0;
+  int flag = -1;
+  EXPECT_EQ(D2LInts(kEps, 0, 0, 1, 1, 0, 1, 1, 2, &x, &y, &flag), 0);
+  EXPECT_EQ(flag, 0);
+  flag = -1;
+  EXPECT_EQ(D2LInts(kEps, 0, 0, 2, 1, 4, 2, 6, 3, &x, &y, &flag), 0);  // overlapping
+  EXPECT_EQ(flag, 0);
+  flag = -1;
+  EXPECT_EQ(D2LInts(kEps, 3, 3, 3, 3, 0, 0, 1, 0, &x, &y, &flag), 0);  // a point, not a line
+  EXPECT_EQ(flag, 0);
+}
+
+TEST(D2LInts, random_crossings_lie_on_both_lines_and_flags_match_the_segments) {
+  std::mt19937_64 rng(41);
+  std::uniform_real_distribution<double> coord(-100, 100);
+  int checked = 0;
+  for (int i = 0; i < 5000; ++i) {
+    const double x1 = coord(rng), y1 = coord(rng), x2 = coord(rng), y2 = coord(rng);
+    const double x3 = coord(rng), y3 = coord(rng), x4 = coord(rng), y4 = coord(rng);
+    const double cross = (x2 - x1) * (y4 - y3) - (y2 - y1) * (x4 - x3);
+    const double sine = cross / (std::hypot(x2 - x1, y2 - y1) * std::hypot(x4 - x3, y4 - y3));
+    if (std::fabs(sine) < 0.05 || std::fabs(x2 - x1) < 1e-3 || std::fabs(x4 - x3) < 1e-3)
+      continue;
+    double x = 0, y = 0;
+    int flag = -1;
+    ASSERT_EQ(D2LInts(kFine, x1, y1, x2, y2, x3, y3, x4, y4, &x, &y, &flag), 1);
+    const double scale = 1.0 + std::hypot(x, y);
+    EXPECT_LT(distanceToLine(x, y, x1, y1, x2, y2), 1e-9 * scale);
+    EXPECT_LT(distanceToLine(x, y, x3, y3, x4, y4), 1e-9 * scale);
+    // Parameters along each segment, judged away from the ends.
+    const double t = lengthAlong(x, y, x1, y1, x2, y2) / std::hypot(x2 - x1, y2 - y1);
+    const double u = lengthAlong(x, y, x3, y3, x4, y4) / std::hypot(x4 - x3, y4 - y3);
+    if (std::fabs(t) < 1e-6 || std::fabs(t - 1) < 1e-6 || std::fabs(u) < 1e-6 ||
+        std::fabs(u - 1) < 1e-6)
+      continue;
+    const int expected = (t >= 0 && t <= 1 ? 1 : 0) + (u >= 0 && u <= 1 ? 2 : 0);
+    EXPECT_EQ(flag, expected);
+    ++checked;
+  }
+  EXPECT_GT(checked, 3000);
+}
+
+// ---------------------------------------------------------------------------------------------
+// DCirLInts
+
+struct Hit {
+  int n;
   double xa, ya, xb, yb;
-  ASSERT_EQ(D2CirInts(kEps, 0, 0, 1, 1, 0, 1, &xa, &ya, &xb, &yb), 2);
-  EXPECT_NEAR(xa, 0.5, 1e-15);
-  EXPECT_NEAR(ya, -std::sqrt(3.0) / 2, 1e-15);
-  EXPECT_NEAR(xb, 0.5, 1e-15);
-  EXPECT_NEAR(yb, std::sqrt(3.0) / 2, 1e-15);
+  int flag;
+};
+
+Hit cirL(double eps, double x1, double y1, double x2, double y2, double cx, double cy, double r) {
+  Hit h{0, kSentinel, kSentinel, kSentinel, kSentinel, -1};
+  h.n = DCirLInts(eps, x1, y1, x2, y2, cx, cy, r, &h.xa, &h.ya, &h.xb, &h.yb, &h.flag);
+  return h;
+}
+
+TEST(DCirLInts, secant_points_come_in_travel_order_from_the_first_point) {
+  Hit h = cirL(kEps, -2, 0, 2, 0, 0, 0, 1);
+  ASSERT_EQ(h.n, 2);
+  EXPECT_EQ(h.xa, -1.0);
+  EXPECT_EQ(h.ya, 0.0);
+  EXPECT_EQ(h.xb, 1.0);
+  EXPECT_EQ(h.yb, 0.0);
+  EXPECT_EQ(h.flag, 3);
+
+  h = cirL(kEps, 2, 0, -2, 0, 0, 0, 1);
+  ASSERT_EQ(h.n, 2);
+  EXPECT_EQ(h.xa, 1.0);
+  EXPECT_EQ(h.xb, -1.0);
+
+  h = cirL(kEps, 5, 2, 5, 9, 5, 4, 3);  // vertical, upwards
+  ASSERT_EQ(h.n, 2);
+  EXPECT_NEAR(h.xa, 5.0, 1e-15);
+  EXPECT_NEAR(h.ya, 1.0, 1e-15);
+  EXPECT_NEAR(h.xb, 5.0, 1e-15);
+  EXPECT_NEAR(h.yb, 7.0, 1e-15);
+  EXPECT_EQ(h.flag, 2);  // (5, 1) lies before the segment's start
+
+  h = cirL(kEps, 3, 3, -3, -3, 0, 0, 2);  // diagonal, downwards
+  ASSERT_EQ(h.n, 2);
+  EXPECT_NEAR(h.xa, std::sqrt(2.0), 1e-15);
+  EXPECT_NEAR(h.ya, std::sqrt(2.0), 1e-15);
+  EXPECT_NEAR(h.xb, -std::sqrt(2.0), 1e-15);
+  EXPECT_NEAR(h.yb, -std::sqrt(2.0), 1e-15);
+  EXPECT_EQ(h.flag, 3);
+}
+
+TEST(DCirLInts, flag_bits_follow_the_written_points) {
+  EXPECT_EQ(cirL(kEps, 0, 0, 2, 0, 0, 0, 1).flag, 2);
+  EXPECT_EQ(cirL(kEps, -2, 0, 0, 0, 0, 0, 1).flag, 1);
+  const Hit inside = cirL(kEps, -0.5, 0, 0.5, 0, 0, 0, 1);
+  EXPECT_EQ(inside.n, 2);
+  EXPECT_EQ(inside.flag, 0);
+  EXPECT_EQ(cirL(kEps, 0, 0, -2, 0, 0, 0, 1).flag, 2);  // reversed: (0.. -2) meets -1 second
+}
+
+struct CirLFlagCase {
+  const char* name;
+  double x1, x2;  // horizontal line y = 0 through the unit circle
+  int flag;
+};
+
+std::ostream& operator<<(std::ostream& os, const CirLFlagCase& c) {
+  return os << c.name;
+}
+
+class DCirLIntsSegmentEnds : public testing::TestWithParam<CirLFlagCase> {};
+
+TEST_P(DCirLIntsSegmentEnds, position_along_the_line_is_tested_strictly) {
+  const CirLFlagCase& c = GetParam();
+  const Hit h = cirL(kEps, c.x1, 0, c.x2, 0, 0, 0, 1);
+  ASSERT_EQ(h.n, 2);
+  EXPECT_EQ(h.xa, -1.0);
+  EXPECT_EQ(h.xb, 1.0);
+  EXPECT_EQ(h.flag, c.flag);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Boundaries, DCirLIntsSegmentEnds,
+    testing::Values(CirLFlagCase{"first_point_eps_before_start", -1 + kE, 2, 2},
+                    CirLFlagCase{"first_point_half_eps_before_start", -1 + kE / 2, 2, 3},
+                    CirLFlagCase{"first_point_two_eps_before_start", -1 + 2 * kE, 2, 2},
+                    CirLFlagCase{"second_point_eps_past_end", -2, 1 - kE, 1},
+                    CirLFlagCase{"second_point_half_eps_past_end", -2, 1 - kE / 2, 3},
+                    CirLFlagCase{"second_point_two_eps_past_end", -2, 1 - 2 * kE, 1}),
+    [](const testing::TestParamInfo<CirLFlagCase>& info) { return info.param.name; });
+
+TEST(DCirLInts, tangent_window_is_strict_on_both_sides) {
+  // Horizontal lines y = k against the unit circle: the distance to the centre is exactly |k|.
+  Hit h = cirL(kEps, -2, 1 + kEps, 2, 1 + kEps, 0, 0, 1);
+  EXPECT_EQ(h.n, 0);
+  EXPECT_EQ(h.flag, 0);
+  EXPECT_EQ(h.xa, kSentinel);
+
+  h = cirL(kEps, -2, 1 + kEps / 2, 2, 1 + kEps / 2, 0, 0, 1);
+  ASSERT_EQ(h.n, 1);  // the foot of the perpendicular
+  EXPECT_EQ(h.xa, 0.0);
+  EXPECT_EQ(h.ya, 1 + kEps / 2);
+  EXPECT_EQ(h.flag, 1);
+  EXPECT_EQ(h.xb, kSentinel);
+
+  h = cirL(kEps, -2, 1, 2, 1, 0, 0, 1);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, 0.0);
+  EXPECT_EQ(h.ya, 1.0);
+
+  h = cirL(kEps, -2, 1 - kEps / 2, 2, 1 - kEps / 2, 0, 0, 1);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.ya, 1 - kEps / 2);
+
+  // Exactly r - eps falls between the two strict tests: no intersection at all.
+  h = cirL(kEps, -2, 1 - kEps, 2, 1 - kEps, 0, 0, 1);
+  EXPECT_EQ(h.n, 0);
+  EXPECT_EQ(h.flag, 0);
+
+  h = cirL(kEps, -2, 1 - 2 * kEps, 2, 1 - 2 * kEps, 0, 0, 1);
+  ASSERT_EQ(h.n, 2);
+  const double half = std::sqrt(1 - (1 - 2 * kEps) * (1 - 2 * kEps));
+  EXPECT_NEAR(h.xa, -half, 1e-15);
+  EXPECT_NEAR(h.xb, half, 1e-15);
+  EXPECT_EQ(h.ya, 1 - 2 * kEps);
+  EXPECT_EQ(h.flag, 3);
+}
+
+TEST(DCirLInts, tangent_flag_needs_the_foot_strictly_within_eps_of_the_segment) {
+  // The tangent point (0, 1) of y = 1 and the unit circle, with the segment ending near it.
+  EXPECT_EQ(cirL(kEps, kEps, 1, 4, 1, 0, 0, 1).flag, 0);
+  EXPECT_EQ(cirL(kEps, kEps / 2, 1, 4, 1, 0, 0, 1).flag, 1);
+  EXPECT_EQ(cirL(kEps, 2 * kEps, 1, 4, 1, 0, 0, 1).flag, 0);
+  EXPECT_EQ(cirL(kEps, -3, 1, -kEps, 1, 0, 0, 1).flag, 0);
+  EXPECT_EQ(cirL(kEps, -3, 1, -kEps / 2, 1, 0, 0, 1).flag, 1);
+  const Hit h = cirL(kEps, kEps, 1, 4, 1, 0, 0, 1);
+  EXPECT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, 0.0);
+  EXPECT_EQ(h.ya, 1.0);
+}
+
+TEST(DCirLInts, points_closer_than_eps_merge_into_their_midpoint) {
+  // Far from the origin the two points of a tiny circle round to the same double.
+  const double c = 1e8;
+  const Hit h = cirL(1e-9, c - 1, 0, c + 1, 0, c, 0, 5e-9);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, c);
+  EXPECT_EQ(h.ya, 0.0);
+  EXPECT_EQ(h.flag, 1);
+  EXPECT_EQ(h.xb, c);  // B is kept
+  EXPECT_EQ(h.yb, 0.0);
+  // A line slightly tilted through the same kind of circle: the x coordinates round together,
+  // the y coordinates stay apart (+-h uy, with h = 5e-9 and uy about 0.05) but closer than eps.
+  // xa, ya is their midpoint, the foot (c, 0); B stays in xb, yb.
+  const Hit tilted = cirL(1e-9, c - 1, -0.05, c + 1, 0.05, c, 0, 5e-9);
+  ASSERT_EQ(tilted.n, 1);
+  EXPECT_EQ(tilted.xa, c);
+  EXPECT_NEAR(tilted.ya, 0.0, 1e-13);
+  EXPECT_EQ(tilted.xb, c);
+  EXPECT_NEAR(tilted.yb, 5e-9 * 0.05 / std::sqrt(1 + 0.05 * 0.05), 1e-13);
+  EXPECT_EQ(tilted.flag, 1);
+  // The same circle seen from a segment that stops short: merged, and off the segment.
+  const Hit off = cirL(1e-9, c - 3, 0, c - 1, 0, c, 0, 5e-9);
+  ASSERT_EQ(off.n, 1);
+  EXPECT_EQ(off.flag, 0);
+}
+
+TEST(DCirLInts, lines_not_longer_than_eps_and_misses_give_zero_with_flag_reset) {
+  Hit h = cirL(kEps, -1, 0, -1 + kEps, 0, 0, 0, 1);
+  EXPECT_EQ(h.n, 0);
+  EXPECT_EQ(h.flag, 0);
+  EXPECT_EQ(h.xa, kSentinel);
+  h = cirL(kEps, -1, 0, -1 + 2 * kEps, 0, 0, 0, 1);  // length 2 eps is a line
+  EXPECT_EQ(h.n, 2);
+  h = cirL(kEps, -2, 3, 2, 3, 0, 0, 1);
+  EXPECT_EQ(h.n, 0);
+  EXPECT_EQ(h.flag, 0);
+}
+
+TEST(DCirLInts, random_secants_lie_on_line_and_circle_in_travel_order) {
+  std::mt19937_64 rng(42);
+  std::uniform_real_distribution<double> coord(-100, 100);
+  std::uniform_real_distribution<double> radius(0.5, 50);
+  std::uniform_real_distribution<double> unit(-1.5, 1.5);
+  int secants = 0, flagsChecked = 0;
+  for (int i = 0; i < 5000; ++i) {
+    const double cx = coord(rng), cy = coord(rng), r = radius(rng);
+    const double x1 = cx + 2 * r * unit(rng), y1 = cy + 2 * r * unit(rng);
+    const double x2 = cx + 2 * r * unit(rng), y2 = cy + 2 * r * unit(rng);
+    if (std::hypot(x2 - x1, y2 - y1) < 1e-3)
+      continue;
+    const Hit h = cirL(kFine, x1, y1, x2, y2, cx, cy, r);
+    const double miss = distanceToLine(cx, cy, x1, y1, x2, y2);
+    const double tol = 1e-9 * (1 + std::fabs(cx) + std::fabs(cy) + r);
+    if (h.n == 0) {
+      EXPECT_GT(miss, r - 2 * kFine);
+      continue;
+    }
+    if (h.n == 1) {
+      EXPECT_NEAR(miss, r, 2 * kFine);
+      continue;
+    }
+    ASSERT_EQ(h.n, 2);
+    EXPECT_LT(miss, r);
+    ++secants;
+    for (const auto& [px, py] : {std::pair{h.xa, h.ya}, std::pair{h.xb, h.yb}}) {
+      EXPECT_NEAR(std::hypot(px - cx, py - cy), r, tol);
+      EXPECT_LT(distanceToLine(px, py, x1, y1, x2, y2), tol);
+    }
+    const double sa = lengthAlong(h.xa, h.ya, x1, y1, x2, y2);
+    const double sb = lengthAlong(h.xb, h.yb, x1, y1, x2, y2);
+    EXPECT_LT(sa, sb);  // A is met first going from the first point to the second
+    const double len = std::hypot(x2 - x1, y2 - y1);
+    const auto near = [&](double s) { return std::fabs(s) < 1e-6 || std::fabs(s - len) < 1e-6; };
+    if (near(sa) || near(sb))
+      continue;
+    const int expected = (sa > 0 && sa < len ? 1 : 0) + (sb > 0 && sb < len ? 2 : 0);
+    EXPECT_EQ(h.flag, expected);
+    ++flagsChecked;
+  }
+  EXPECT_GT(secants, 2000);
+  EXPECT_GT(flagsChecked, 2000);
+}
+
+// ---------------------------------------------------------------------------------------------
+// DArcLInts
+
+Hit arcL(double eps, double x1, double y1, double x2, double y2, double cx, double cy, double r,
+         double sa, double ea) {
+  Hit h{0, kSentinel, kSentinel, kSentinel, kSentinel, -1};
+  h.n = DArcLInts(eps, x1, y1, x2, y2, cx, cy, r, sa, ea, &h.xa, &h.ya, &h.xb, &h.yb, &h.flag);
+  return h;
+}
+
+TEST(DArcLInts, both_points_on_the_arc_keep_the_circle_result) {
+  const Hit h = arcL(kFine, -2, 0, 0.5, 0, 0, 0, 1, -0.1, kPi + 0.1);
+  ASSERT_EQ(h.n, 2);
+  EXPECT_EQ(h.xa, -1.0);
+  EXPECT_EQ(h.xb, 1.0);
+  EXPECT_EQ(h.flag, 1);  // (1, 0) lies beyond the segment's end
+}
+
+TEST(DArcLInts, only_first_point_on_the_arc_keeps_its_own_flag_bit) {
+  // The arc around pi holds (-1, 0) but not (1, 0).
+  Hit h = arcL(kFine, -2, 0, 2, 0, 0, 0, 1, 3 * kPi / 4, 5 * kPi / 4);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, -1.0);
+  EXPECT_EQ(h.ya, 0.0);
+  EXPECT_EQ(h.flag, 1);
+  EXPECT_EQ(h.xb, 1.0);  // the rejected point stays in the second slot
+  // Segment from the centre to the right: (-1, 0) is not on it, so no bit survives.
+  h = arcL(kFine, 0, 0, 2, 0, 0, 0, 1, 3 * kPi / 4, 5 * kPi / 4);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, -1.0);
+  EXPECT_EQ(h.flag, 0);
+}
+
+TEST(DArcLInts, only_second_point_on_the_arc_moves_to_the_first_slot_with_its_bit) {
+  // The arc around 0 holds (1, 0) but not (-1, 0).
+  Hit h = arcL(kFine, -2, 0, 2, 0, 0, 0, 1, -kPi / 4, kPi / 4);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, 1.0);
+  EXPECT_EQ(h.ya, 0.0);
+  EXPECT_EQ(h.flag, 1);
+  // The segment stops before (1, 0): the first point's bit does not carry over.
+  h = arcL(kFine, -2, 0, 0.5, 0, 0, 0, 1, -kPi / 4, kPi / 4);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, 1.0);
+  EXPECT_EQ(h.flag, 0);
+  // Same with a sweep given through zero as 7 pi/4 -> 9 pi/4.
+  h = arcL(kFine, 0.5, 0, 2, 0, 0, 0, 1, 7 * kPi / 4, 9 * kPi / 4);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, 1.0);
+  EXPECT_EQ(h.flag, 1);
+}
+
+TEST(DArcLInts, no_point_on_the_arc_resets_the_flag) {
+  Hit h = arcL(kFine, -2, 0, 2, 0, 0, 0, 1, 1.0, 2.0);
+  EXPECT_EQ(h.n, 0);
+  EXPECT_EQ(h.flag, 0);
+  // A tangent point off the arc.
+  h = arcL(kFine, -2, 1, 2, 1, 0, 0, 1, kPi, kTwoPi);
+  EXPECT_EQ(h.n, 0);
+  EXPECT_EQ(h.flag, 0);
+  // No circle point at all.
+  h = arcL(kFine, -2, 3, 2, 3, 0, 0, 1, 0, kTwoPi);
+  EXPECT_EQ(h.n, 0);
+  EXPECT_EQ(h.flag, 0);
+}
+
+TEST(DArcLInts, tangent_point_on_the_arc_counts_once) {
+  const Hit h = arcL(kFine, -2, 1, 2, 1, 0, 0, 1, 0, kPi);
+  ASSERT_EQ(h.n, 1);
+  EXPECT_EQ(h.xa, 0.0);
+  EXPECT_EQ(h.ya, 1.0);
+  EXPECT_EQ(h.flag, 1);
+}
+
+TEST(DArcLInts, eps_serves_as_the_angular_tolerance_at_the_arc_ends) {
+  // (1, 0) has angle 0 and (-1, 0) angle pi.
+  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, kEps / 2, 1).n, 1);
+  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, kEps, 1).n, 1);
+  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, 2 * kEps, 1).n, 0);
+  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, 2, kPi - kEps / 2).n, 1);
+  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, 2, kPi - 2 * kEps).n, 0);
+  // Both ends reached within eps: both points.
+  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, kEps / 2, kPi - kEps / 2).n, 2);
+}
+
+TEST(DArcLInts, arc_whose_end_equals_its_start_holds_only_that_angle) {
+  // The vertical tangent x = 1 touches the unit circle at angle 0.
+  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, 0, 0).n, 1);
+  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, kTwoPi, kTwoPi).n, 1);
+  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, 0.1, 0.1).n, 0);
+}
+
+TEST(DArcLInts, random_accepted_points_lie_on_line_circle_and_arc) {
+  std::mt19937_64 rng(43);
+  std::uniform_real_distribution<double> coord(-100, 100);
+  std::uniform_real_distribution<double> radius(0.5, 50);
+  std::uniform_real_distribution<double> unit(-1.5, 1.5);
+  std::uniform_real_distribution<double> turn(0, kTwoPi);
+  std::uniform_real_distribution<double> sweepDist(0.1, kTwoPi - 0.1);
+  int accepted = 0, rejectedChecked = 0;
+  for (int i = 0; i < 5000; ++i) {
+    const double cx = coord(rng), cy = coord(rng), r = radius(rng);
+    const double x1 = cx + 2 * r * unit(rng), y1 = cy + 2 * r * unit(rng);
+    const double x2 = cx + 2 * r * unit(rng), y2 = cy + 2 * r * unit(rng);
+    const double sa = turn(rng) - kPi;
+    const double ea = sa + sweepDist(rng);
+    double cxa = 0, cya = 0, cxb = 0, cyb = 0;
+    int circleFlag = 0;
+    const int circleN =
+        DCirLInts(kFine, x1, y1, x2, y2, cx, cy, r, &cxa, &cya, &cxb, &cyb, &circleFlag);
+    const Hit h = arcL(kFine, x1, y1, x2, y2, cx, cy, r, sa, ea);
+    ASSERT_LE(h.n, circleN);
+    const double tol = 1e-9 * (1 + std::fabs(cx) + std::fabs(cy) + r);
+    if (circleN != 2)
+      continue;
+    const int onA = angleWithinSweep(cxa, cya, cx, cy, sa, ea, 1e-7);
+    const int onB = angleWithinSweep(cxb, cyb, cx, cy, sa, ea, 1e-7);
+    if (onA < 0 || onB < 0)
+      continue;
+    ASSERT_EQ(h.n, onA + onB);
+    ++rejectedChecked;
+    if (h.n >= 1) {
+      // The first slot holds the accepted point, A when it is accepted, else B.
+      EXPECT_EQ(h.xa, onA ? cxa : cxb);
+      EXPECT_EQ(h.ya, onA ? cya : cyb);
+      EXPECT_NEAR(std::hypot(h.xa - cx, h.ya - cy), r, tol);
+      EXPECT_LT(distanceToLine(h.xa, h.ya, x1, y1, x2, y2), tol);
+      const int bit = onA ? (circleFlag & 1) : (circleFlag >> 1 & 1);
+      EXPECT_EQ(h.flag, h.n == 1 ? bit : circleFlag);
+      ++accepted;
+    } else {
+      EXPECT_EQ(h.flag, 0);
+    }
+  }
+  EXPECT_GT(accepted, 1000);
+  EXPECT_GT(rejectedChecked, 2000);
+}
+
+// ---------------------------------------------------------------------------------------------
+// D2CirInts
+
+struct Pair {
+  int n;
+  double xa, ya, xb, yb;
+};
+
+Pair cirCir(double eps, double x1, double y1, double r1, double x2, double y2, double r2) {
+  Pair p{0, kSentinel, kSentinel, kSentinel, kSentinel};
+  p.n = D2CirInts(eps, x1, y1, r1, x2, y2, r2, &p.xa, &p.ya, &p.xb, &p.yb);
+  return p;
+}
+
+TEST(D2CirInts, first_point_lies_right_of_the_line_between_centres) {
+  Pair p = cirCir(kEps, 0, 0, 1, 1, 0, 1);
+  ASSERT_EQ(p.n, 2);
+  EXPECT_NEAR(p.xa, 0.5, 1e-15);
+  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
+  EXPECT_NEAR(p.xb, 0.5, 1e-15);
+  EXPECT_NEAR(p.yb, kHalfSqrt3, 1e-15);
+  // Swapping the circles reverses the centre line, so the points swap slots.
+  p = cirCir(kEps, 1, 0, 1, 0, 0, 1);
+  ASSERT_EQ(p.n, 2);
+  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
+  EXPECT_NEAR(p.yb, -kHalfSqrt3, 1e-15);
+  // Vertical centre line upwards: right of it is +x. Circles r 5 and r 5 at distance 6: x = +-4.
+  p = cirCir(kEps, 2, 1, 5, 2, 7, 5);
+  ASSERT_EQ(p.n, 2);
+  EXPECT_NEAR(p.xa, 6.0, 1e-14);
+  EXPECT_NEAR(p.ya, 4.0, 1e-14);
+  EXPECT_NEAR(p.xb, -2.0, 1e-14);
+  EXPECT_NEAR(p.yb, 4.0, 1e-14);
+  // Unequal radii: 3-4-5 triangle, centres (0, 0) r 3 and (5, 0) r 4 cross at (1.8, +-2.4).
+  p = cirCir(kEps, 0, 0, 3, 5, 0, 4);
+  ASSERT_EQ(p.n, 2);
+  EXPECT_NEAR(p.xa, 1.8, 1e-14);
+  EXPECT_NEAR(p.ya, -2.4, 1e-14);
+  EXPECT_NEAR(p.xb, 1.8, 1e-14);
+  EXPECT_NEAR(p.yb, 2.4, 1e-14);
+}
+
+TEST(D2CirInts, touching_circles_give_the_foot_of_the_common_chord) {
+  Pair p = cirCir(kEps, 0, 0, 1, 2, 0, 1);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_EQ(p.xa, 1.0);
+  EXPECT_EQ(p.ya, 0.0);
+  EXPECT_EQ(p.xb, kSentinel);
+  // Touching from inside: r 2 about the origin and r 1 about (1, 0) touch at (2, 0).
+  p = cirCir(kEps, 0, 0, 2, 1, 0, 1);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_EQ(p.xa, 2.0);
+  EXPECT_EQ(p.ya, 0.0);
+  p = cirCir(kEps, 1, 0, 1, 0, 0, 2);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_EQ(p.xa, 2.0);
+}
+
+struct CirCirCase {
+  const char* name;
+  double r1, d, r2;  // first circle at the origin, second at (d, 0)
+  int n;
+};
+
+std::ostream& operator<<(std::ostream& os, const CirCirCase& c) {
+  return os << c.name;
+}
+
+class D2CirIntsBoundaries : public testing::TestWithParam<CirCirCase> {};
+
+TEST_P(D2CirIntsBoundaries, counts_decide_on_closed_squared_normalised_distances) {
+  const CirCirCase& c = GetParam();
+  const Pair p = cirCir(kEps, 0, 0, c.r1, c.d, 0, c.r2);
+  ASSERT_EQ(p.n, c.n);
+  // The radical line x = (d^2 + r1^2 - r2^2) / 2d carries every reported point.
+  const double mx = (c.d * c.d + c.r1 * c.r1 - c.r2 * c.r2) / (2 * c.d);
+  if (p.n >= 1) {
+    EXPECT_NEAR(p.xa, mx, 1e-14);
+  }
+  if (p.n == 1) {
+    EXPECT_EQ(p.ya, 0.0);
+  }
+  if (p.n == 2) {
+    const double half = std::sqrt(c.r1 * c.r1 - mx * mx);
+    EXPECT_NEAR(p.ya, -half, 1e-12);
+    EXPECT_NEAR(p.xb, mx, 1e-14);
+    EXPECT_NEAR(p.yb, half, 1e-12);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Outside, D2CirIntsBoundaries,
+                         testing::Values(CirCirCase{"apart_by_two_eps", 1, 2 + 2 * kE, 1, 0},
+                                         CirCirCase{"apart_by_eps", 1, 2 + kE, 1, 1},
+                                         CirCirCase{"apart_by_half_eps", 1, 2 + kE / 2, 1, 1},
+                                         CirCirCase{"overlap_by_half_eps", 1, 2 - kE / 2, 1, 1},
+                                         CirCirCase{"overlap_by_eps", 1, 2 - kE, 1, 1},
+                                         CirCirCase{"overlap_by_two_eps", 1, 2 - 2 * kE, 1, 2}),
+                         [](const testing::TestParamInfo<CirCirCase>& info) {
+                           return info.param.name;
+                         });
+
+INSTANTIATE_TEST_SUITE_P(Inside, D2CirIntsBoundaries,
+                         testing::Values(CirCirCase{"nested_by_two_eps", 2, 1 - 2 * kE, 1, 0},
+                                         CirCirCase{"nested_by_eps", 2, 1 - kE, 1, 1},
+                                         CirCirCase{"nested_by_half_eps", 2, 1 - kE / 2, 1, 1},
+                                         CirCirCase{"crossing_by_eps", 2, 1 + kE, 1, 1},
+                                         CirCirCase{"crossing_by_two_eps", 2, 1 + 2 * kE, 1, 2},
+                                         CirCirCase{"small_inside_large", 1, 1 - 2 * kE, 2, 0}),
+                         [](const testing::TestParamInfo<CirCirCase>& info) {
+                           return info.param.name;
+                         });
+
+TEST(D2CirInts, concentric_circles_never_meet) {
+  EXPECT_EQ(cirCir(kEps, 3, 4, 1, 3, 4, 1).n, 0);
+  EXPECT_EQ(cirCir(kEps, 3, 4, 1, 3, 4, 2).n, 0);
+  // Radii differing by exactly eps pass the nesting test; still no point.
+  EXPECT_EQ(cirCir(kEps, 0, 0, 1, 0, 0, 1 + kEps).n, 0);
+  EXPECT_EQ(cirCir(kEps, 0, 0, 0, 0, 0, 0).n, 0);
+}
+
+TEST(D2CirInts, circles_too_small_to_normalise_by_are_points_and_never_meet) {
+  // Radii of 0, or so small that their square is no longer a normal double, would make the
+  // radius-normalised distances infinite; such circles ten units apart must not "touch".
+  EXPECT_EQ(cirCir(kEps, 0, 0, 0, 10, 0, 0).n, 0);
+  EXPECT_EQ(cirCir(kEps, 0, 0, 1e-200, 10, 0, 1e-200).n, 0);
+  EXPECT_EQ(cirCir(1e-9, 0, 0, 1e-160, 10, 0, 1e-160).n, 0);
+  EXPECT_EQ(cirCir(1e-9, 0, 0, 0, 10, 0, 1e-170).n, 0);
+}
+
+TEST(D2CirInts, chord_discriminant_is_a_fourth_power_compared_with_eps_unscaled) {
+  // Circles of radius 0.01 whose centres are 0.018 apart cross at a clear angle, but D^2 times
+  // the squared half chord is about 6e-9, below eps = 1e-3: reported as touching, at the foot.
+  const Pair p = cirCir(1e-3, 0, 0, 0.01, 0.018, 0, 0.01);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_NEAR(p.xa, 0.009, 1e-17);
+  EXPECT_EQ(p.ya, 0.0);
+}
+
+TEST(D2CirInts, random_crossings_lie_on_both_circles_on_their_own_sides) {
+  std::mt19937_64 rng(44);
+  std::uniform_real_distribution<double> coord(-100, 100);
+  std::uniform_real_distribution<double> radius(0.5, 50);
+  std::uniform_real_distribution<double> unit(-1, 1);
+  int crossings = 0;
+  for (int i = 0; i < 5000; ++i) {
+    const double x1 = coord(rng), y1 = coord(rng), r1 = radius(rng), r2 = radius(rng);
+    const double x2 = x1 + (r1 + r2) * unit(rng);
+    const double y2 = y1 + (r1 + r2) * unit(rng);
+    const double d = std::hypot(x2 - x1, y2 - y1);
+    const Pair p = cirCir(kFine, x1, y1, r1, x2, y2, r2);
+    const bool crosses = d < r1 + r2 - 1e-6 && d > std::fabs(r1 - r2) + 1e-6;
+    const bool apart = d > r1 + r2 + 1e-6 || d < std::fabs(r1 - r2) - 1e-6;
+    if (apart) {
+      EXPECT_EQ(p.n, 0);
+    }
+    if (!crosses)
+      continue;
+    ASSERT_EQ(p.n, 2);
+    ++crossings;
+    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
+    for (const auto& [px, py] : {std::pair{p.xa, p.ya}, std::pair{p.xb, p.yb}}) {
+      EXPECT_NEAR(std::hypot(px - x1, py - y1), r1, tol);
+      EXPECT_NEAR(std::hypot(px - x2, py - y2), r2, tol);
+    }
+    // Cross product of the centre line with each point: negative is to the right.
+    EXPECT_LT((x2 - x1) * (p.ya - y1) - (y2 - y1) * (p.xa - x1), 0.0);
+    EXPECT_GT((x2 - x1) * (p.yb - y1) - (y2 - y1) * (p.xb - x1), 0.0);
+  }
+  EXPECT_GT(crossings, 2500);
+}
+
+// ---------------------------------------------------------------------------------------------
+// D2ArcInts
+
+Pair arcArc(double eps, double x1, double y1, double r1, double s1, double e1, double x2, double y2,
+            double r2, double s2, double e2) {
+  Pair p{0, kSentinel, kSentinel, kSentinel, kSentinel};
+  p.n = D2ArcInts(eps, x1, y1, r1, s1, e1, x2, y2, r2, s2, e2, &p.xa, &p.ya, &p.xb, &p.yb);
+  return p;
+}
+
+// Circles (0, 0) r 1 and (1, 0) r 1 cross at A = (0.5, -sqrt3/2) and B = (0.5, sqrt3/2). Seen from
+// the first centre A lies at -pi/3 and B at pi/3; from the second at -2pi/3 and 2pi/3.
+
+TEST(D2ArcInts, full_arcs_behave_like_circles) {
+  const Pair p = arcArc(kFine, 0, 0, 1, 0, kTwoPi, 1, 0, 1, -kPi, kPi);
+  ASSERT_EQ(p.n, 2);
+  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
+  EXPECT_NEAR(p.yb, kHalfSqrt3, 1e-15);
+}
+
+TEST(D2ArcInts, only_second_point_counting_moves_it_to_the_first_slot) {
+  // First arc: the upper right quarter holds B only.
+  Pair p = arcArc(kFine, 0, 0, 1, 0, kHalfPi, 1, 0, 1, 0, kTwoPi);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_NEAR(p.xa, 0.5, 1e-15);
+  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
+  // Second arc: from pi/2 to pi about (1, 0) holds B only.
+  p = arcArc(kFine, 0, 0, 1, 0, kTwoPi, 1, 0, 1, kHalfPi, kPi);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
+}
+
+TEST(D2ArcInts, only_first_point_counting_leaves_the_rejected_one_in_the_second_slot) {
+  const Pair p = arcArc(kFine, 0, 0, 1, -kHalfPi, 0, 1, 0, 1, 0, kTwoPi);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_NEAR(p.xa, 0.5, 1e-15);
+  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
+  EXPECT_NEAR(p.xb, 0.5, 1e-15);
+  EXPECT_NEAR(p.yb, kHalfSqrt3, 1e-15);
+}
+
+TEST(D2ArcInts, a_point_must_lie_on_both_arcs) {
+  // A is on the first arc but not on the second; B on the second but not on the first.
+  EXPECT_EQ(arcArc(kFine, 0, 0, 1, -kHalfPi, 0, 1, 0, 1, kHalfPi, kPi).n, 0);
+  EXPECT_EQ(arcArc(kFine, 0, 0, 1, 1.5, 5.0, 1, 0, 1, 0, kTwoPi).n, 0);
+}
+
+TEST(D2ArcInts, arc_whose_end_equals_its_start_holds_only_that_angle) {
+  Pair p = arcArc(kFine, 0, 0, 1, kPi / 3, kPi / 3, 1, 0, 1, 0, kTwoPi);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
+  p = arcArc(kFine, 0, 0, 1, -kPi / 3, -kPi / 3, 1, 0, 1, 0, kTwoPi);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
+  EXPECT_EQ(arcArc(kFine, 0, 0, 1, 1.0, 1.0, 1, 0, 1, 0, kTwoPi).n, 0);
+}
+
+TEST(D2ArcInts, touching_point_counts_when_on_both_arcs) {
+  // Circles (0, 0) r 1 and (2, 0) r 1 touch at (1, 0): angle 0 from the first, pi from the second.
+  Pair p = arcArc(kFine, 0, 0, 1, -0.1, 0.1, 2, 0, 1, 3.0, 3.3);
+  ASSERT_EQ(p.n, 1);
+  EXPECT_EQ(p.xa, 1.0);
+  EXPECT_EQ(p.ya, 0.0);
+  EXPECT_EQ(arcArc(kFine, 0, 0, 1, -0.1, 0.1, 2, 0, 1, 0.0, 1.0).n, 0);
+  EXPECT_EQ(arcArc(kFine, 0, 0, 1, 0.5, 6.0, 2, 0, 1, 3.0, 3.3).n, 0);
+  EXPECT_EQ(arcArc(kFine, 0, 0, 1, 0, 1, 5, 0, 1, 0, kTwoPi).n, 0);
+}
+
+TEST(D2ArcInts, random_accepted_points_lie_on_both_arcs) {
+  std::mt19937_64 rng(45);
+  std::uniform_real_distribution<double> coord(-100, 100);
+  std::uniform_real_distribution<double> radius(0.5, 50);
+  std::uniform_real_distribution<double> unit(-1, 1);
+  std::uniform_real_distribution<double> turn(0, kTwoPi);
+  std::uniform_real_distribution<double> sweepDist(0.1, kTwoPi - 0.1);
+  int accepted = 0;
+  for (int i = 0; i < 5000; ++i) {
+    const double x1 = coord(rng), y1 = coord(rng), r1 = radius(rng), r2 = radius(rng);
+    const double x2 = x1 + (r1 + r2) * unit(rng);
+    const double y2 = y1 + (r1 + r2) * unit(rng);
+    const double s1 = turn(rng), e1 = s1 + sweepDist(rng);
+    const double s2 = turn(rng) - kPi, e2 = s2 + sweepDist(rng);
+    double xa, ya, xb, yb;
+    if (D2CirInts(kFine, x1, y1, r1, x2, y2, r2, &xa, &ya, &xb, &yb) != 2)
+      continue;
+    const int a1 = angleWithinSweep(xa, ya, x1, y1, s1, e1, 1e-7);
+    const int a2 = angleWithinSweep(xa, ya, x2, y2, s2, e2, 1e-7);
+    const int b1 = angleWithinSweep(xb, yb, x1, y1, s1, e1, 1e-7);
+    const int b2 = angleWithinSweep(xb, yb, x2, y2, s2, e2, 1e-7);
+    if (a1 < 0 || a2 < 0 || b1 < 0 || b2 < 0)
+      continue;
+    const Pair p = arcArc(kFine, x1, y1, r1, s1, e1, x2, y2, r2, s2, e2);
+    const bool onA = a1 && a2;
+    const bool onB = b1 && b2;
+    ASSERT_EQ(p.n, onA + onB);
+    if (p.n == 0)
+      continue;
+    EXPECT_EQ(p.xa, onA ? xa : xb);
+    EXPECT_EQ(p.ya, onA ? ya : yb);
+    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
+    EXPECT_NEAR(std::hypot(p.xa - x1, p.ya - y1), r1, tol);
+    EXPECT_NEAR(std::hypot(p.xa - x2, p.ya - y2), r2, tol);
+    ++accepted;
+  }
+  EXPECT_GT(accepted, 1000);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Robustness
+
+TEST(Intersections, non_finite_and_huge_input_returns_promptly_with_defined_flags) {
+  const double bad[] = {kNaN, kInf, -kInf, 1e300, -1e300, 0.0};
+  for (double v : bad) {
+    for (int slot = 0; slot < 11; ++slot) {
+      double a[11] = {kFine, -1, 0.5, 1, -0.5, 0.25, 0.1, 1.0, 0.0, 4.0, 0.0};
+      a[slot] = v;
+      double x = 0, y = 0, xb = 0, yb = 0;
+      int flag = -1;
+      EXPECT_LE(D2LInts(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8], &x, &y, &flag), 1);
+      EXPECT_GE(flag, 0);
+      EXPECT_LE(flag, 3);
+      flag = -1;
+      EXPECT_LE(DCirLInts(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], &x, &y, &xb, &yb, &flag),
+                2);
+      EXPECT_GE(flag, 0);
+      EXPECT_LE(flag, 3);
+      flag = -1;
+      EXPECT_LE(DArcLInts(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8], a[9], &x, &y, &xb,
+                          &yb, &flag),
+                2);
+      EXPECT_GE(flag, 0);
+      EXPECT_LE(flag, 3);
+      EXPECT_LE(D2CirInts(a[0], a[1], a[2], a[3], a[4], a[5], a[6], &x, &y, &xb, &yb), 2);
+      EXPECT_LE(D2ArcInts(a[0], a[1], a[2], a[3], a[8], a[9], a[4], a[5], a[6], a[10], a[9], &x, &y,
+                          &xb, &yb),
+                2);
+    }
+  }
 }
 
 }  // namespace

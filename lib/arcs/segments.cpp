@@ -1,0 +1,226 @@
+// Tarnsysm: planar computational geometry for 2D drafting.
+// Polyline arc segments from drafting input sets: each member finds the bulge of the segment and
+// the direction of travel at its end, which becomes the start direction of the next segment.
+#include "arcs/arcs.h"
+#include "arcs/internal.h"
+#include "primitives/internal.h"
+#include "primitives/primitives.h"
+
+#include <cmath>
+
+using namespace tarnsysm::detail;
+
+namespace {
+
+double directionBetween(double eps, double x1, double y1, double x2, double y2) {
+  double angle = 0.0;
+  DAngle(eps, x1, y1, x2, y2, &angle);
+  return angle;
+}
+
+// Tangent direction of travel at the point of radial angle `radial`, reduced into one turn.
+double travelDirection(double eps, double radial, bool counterClockwise) {
+  double dir = counterClockwise ? radial + kHalfPi : radial - kHalfPi;
+  fpos2pi(eps, &dir);
+  return dir;
+}
+
+}  // namespace
+
+int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, double* bulge, double* endDir) {
+  const double chord = std::sqrt(square(edp[0] - stp[0]) + square(edp[1] - stp[1]));
+  double a = sta;
+  fpos2pi(eps, &a);
+  const double phi = directionBetween(eps, stp[0], stp[1], edp[0], edp[1]);
+
+  const bool clockwise = turnsClockwise(eps, a, phi);
+  const double delta = foldedTangentChordAngle(eps, phi, a);
+  const double h = std::sin(delta / 2.0);
+  // The end point lies on the start tangent line, ahead or behind (or the input is not a number).
+  if (withinOpen(h, eps) || std::isnan(h))
+    return 0;
+  const double r = 0.5 * chord / h;
+
+  // The centre lies on the normal of the start direction, right of it for a clockwise turn.
+  double cx = 0.0;
+  double cy = 0.0;
+  if (clockwise) {
+    cx = stp[0] + r * std::sin(a);
+    cy = stp[1] - r * std::cos(a);
+  } else {
+    cx = stp[0] - r * std::sin(a);
+    cy = stp[1] + r * std::cos(a);
+  }
+  const double alpha1 = directionBetween(eps, cx, cy, stp[0], stp[1]);
+  const double alpha2 = directionBetween(eps, cx, cy, edp[0], edp[1]);
+
+  double sweep = clockwise ? alpha1 - alpha2 : alpha2 - alpha1;
+  if (sweep < -eps)
+    sweep += kTwoPi;
+  *bulge = clockwise ? -std::tan(sweep / 4.0) : std::tan(sweep / 4.0);
+  *endDir = travelDirection(eps, alpha2, !clockwise);
+  return 1;
+}
+
+int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge, double* endDir) {
+  reduceIncludedAngle(eps, ina);
+  const double b = std::tan(ina / 4.0);
+  *bulge = b;
+
+  // A centre for the end direction, built from the chord; side -1 puts it to the left.
+  int side = -1;
+  double theta = ina;
+  if (theta < -eps) {
+    side = 1;
+    theta = -theta;
+  }
+  if (theta - kPi > eps) {
+    side = -side;
+    theta = kTwoPi - theta;
+  }
+  const double chord = std::sqrt(square(stp[0] - edp[0]) + square(stp[1] - edp[1]));
+  const double r = 0.5 * chord / std::sin(theta / 2.0);
+  const double phi = directionBetween(eps, stp[0], stp[1], edp[0], edp[1]);
+  // Deliberately without the half-angle term on the right-hand side: the drafting host's end
+  // directions for clockwise and major arcs come from this centre, and are kept as they are.
+  const double psi = side == -1 ? phi + kHalfPi - theta / 2.0 : phi - kHalfPi;
+  const double cx = stp[0] + r * std::cos(psi);
+  const double cy = stp[1] + r * std::sin(psi);
+
+  double alpha1 = 0.0;
+  double alpha2 = 0.0;
+  if (ina <= eps) {
+    alpha1 = directionBetween(eps, cx, cy, edp[0], edp[1]);
+    alpha2 = directionBetween(eps, cx, cy, stp[0], stp[1]);
+  } else {
+    alpha1 = directionBetween(eps, cx, cy, stp[0], stp[1]);
+    alpha2 = directionBetween(eps, cx, cy, edp[0], edp[1]);
+  }
+  if (alpha1 - eps > alpha2)
+    alpha2 += kTwoPi;
+  *endDir = b <= eps ? travelDirection(eps, alpha1, false) : travelDirection(eps, alpha2, true);
+  return 1;
+}
+
+int PL_StpInaCen(double eps, double* stp, double ina, double* cen, double* bulge, double* endDir) {
+  reduceIncludedAngle(eps, ina);
+  const double b = std::tan(ina / 4.0);
+  const double cx = cen[0];
+  const double cy = cen[1];
+  const double r = std::sqrt(square(stp[0] - cx) + square(stp[1] - cy));
+
+  // A start point on the centre has no radial angle: the end point is the start point.
+  double alpha2 = 0.0;
+  double ex = stp[0];
+  double ey = stp[1];
+  if (r >= eps) {
+    alpha2 = directionBetween(eps, cx, cy, stp[0], stp[1]) + ina;
+    ex = cx + r * std::cos(alpha2);
+    ey = cy + r * std::sin(alpha2);
+  }
+  cen[0] = ex;
+  cen[1] = ey;
+  *bulge = b;
+  *endDir = travelDirection(eps, alpha2, !(b <= eps));
+  return 1;
+}
+
+int PL_StpInaRadDir(double eps, double* stp, double ina, double rad, double dir, double* edp,
+                    double* bulge, double* endDir) {
+  // No circle for a radius below eps, no arc for an included angle within eps of 0.
+  if (!(rad >= eps) || !(std::fabs(ina) > eps))
+    return 0;
+  reduceIncludedAngle(eps, ina);
+  const InaRadDirArc arc = inaRadDirArc(eps, ina, dir);
+  const double cx = stp[0] - rad * std::cos(arc.beta);
+  const double cy = stp[1] - rad * std::sin(arc.beta);
+
+  double alpha1 = arc.beta;
+  fpos2pi(eps, &alpha1);
+  const double alpha2 = alpha1 + ina;
+  edp[0] = cx + rad * std::cos(alpha2);
+  edp[1] = cy + rad * std::sin(alpha2);
+  *bulge = std::tan(ina / 4.0);
+  *endDir = travelDirection(eps, alpha2, arc.flag < 0);
+  return 1;
+}
+
+int PL_StpCenEdp(double eps, double* stp, double* cen, double* edp, double* bulge, double* endDir) {
+  const double cx = cen[0];
+  const double cy = cen[1];
+  const double r = std::sqrt(square(stp[0] - cx) + square(stp[1] - cy));
+  double alpha2 = directionBetween(eps, cx, cy, edp[0], edp[1]);
+
+  if (r < eps) {
+    // The start point is the centre: no start angle, so a straight segment of no length.
+    edp[0] = stp[0];
+    edp[1] = stp[1];
+    *bulge = 0.0;
+  } else {
+    const double alpha1 = directionBetween(eps, cx, cy, stp[0], stp[1]);
+    if (alpha1 - eps > alpha2)
+      alpha2 += kTwoPi;
+    // The point of the circle on the ray towards the given end point.
+    edp[0] = cx + r * std::cos(alpha2);
+    edp[1] = cy + r * std::sin(alpha2);
+    *bulge = std::tan((alpha2 - alpha1) / 4.0);
+  }
+  *endDir = travelDirection(eps, alpha2, true);
+  return 1;
+}
+
+int PL_StpCenLen(double eps, double* stp, double* cen, double len, double* bulge, double* endDir) {
+  const double cx = cen[0];
+  const double cy = cen[1];
+  const double r = std::sqrt(square(stp[0] - cx) + square(stp[1] - cy));
+  const double alpha1 = directionBetween(eps, cx, cy, stp[0], stp[1]);
+  // Included angle of a chord of length len; a chord longer than the diameter gives 0.
+  const double theta = 2.0 * arcsin(0.5 * len / r);
+  const double alpha2 = alpha1 + theta;
+  cen[0] = cx + r * std::cos(alpha2);
+  cen[1] = cy + r * std::sin(alpha2);
+  const double b = std::tan(theta / 4.0);
+  *bulge = b;
+  *endDir = travelDirection(eps, alpha2, !(b <= eps));
+  return 1;
+}
+
+int PL_StpRadEdp(double eps, double* stp, double rad, double* edp, double* bulge, double* endDir) {
+  const double chord = std::sqrt(square(edp[0] - stp[0]) + square(edp[1] - stp[1]));
+  // The minor arc's included angle; a negative radius makes it negative (clockwise).
+  const double theta = 2.0 * arcsin(0.5 * chord / rad);
+  const double phi = directionBetween(eps, stp[0], stp[1], edp[0], edp[1]);
+  // beta is the direction from the centre to stp for a positive radius. For a negative one the
+  // centre lies on the other side and beta + theta is the end's radial angle minus pi, so the
+  // same quarter turn below gives the clockwise direction of travel.
+  const double beta = phi - theta / 2.0 + 3.0 * kHalfPi;
+  const double alpha2 = beta + theta;
+  *bulge = std::tan(theta / 4.0);
+  *endDir = travelDirection(eps, alpha2, true);
+  return 1;
+}
+
+int PL_3points(double eps, double* p1, double* p2, double* p3, double* bulge, double* endDir) {
+  // Collinear points are for PL_TestVertex kind 9 to reject; the determinant is not tested.
+  double cx = 0.0;
+  double cy = 0.0;
+  bisectorCentre(p1, p2, p3, bisectorDeterminant(p1, p2, p3), &cx, &cy);
+  double alpha1 = directionBetween(eps, cx, cy, p1[0], p1[1]);
+  const double alphaM = directionBetween(eps, cx, cy, p2[0], p2[1]);
+  double alpha3 = directionBetween(eps, cx, cy, p3[0], p3[1]);
+
+  // Clockwise when the middle point is off the counter-clockwise sweep from p1 to p3; the sweep
+  // is then described from p3 to p1.
+  const bool clockwise = ValidAngle(eps, alpha1, alpha3, alphaM) == 0;
+  if (clockwise) {
+    const double t = alpha1;
+    alpha1 = alpha3;
+    alpha3 = t;
+  }
+  if (alpha1 - eps > alpha3)
+    alpha3 += kTwoPi;
+  const double b = std::tan((alpha3 - alpha1) / 4.0);
+  *bulge = clockwise ? -b : b;
+  *endDir = clockwise ? travelDirection(eps, alpha1, false) : travelDirection(eps, alpha3, true);
+  return 1;
+}
