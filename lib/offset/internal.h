@@ -37,7 +37,7 @@ inline double movedRadius(double r, double bulge, double d) {
 }
 
 /// Moves (px, py) by d along the right-hand normal of the straight segment (x1, y1)-(x2, y2):
-/// the point plus (d/L)·(dy, -dx). The caller has rejected segments shorter than eps.
+/// the point plus (d/L)*(dy, -dx). The caller has rejected segments shorter than eps.
 inline void moveAlongNormal(double d, double x1, double y1, double x2, double y2, double px,
                             double py, double* ox, double* oy) {
   const double dx = x2 - x1;
@@ -48,7 +48,7 @@ inline void moveAlongNormal(double d, double x1, double y1, double x2, double y2
 }
 
 /// Moves (px, py), a point of the circle about (cx, cy) with radius r, onto the concentric
-/// circle of radius rMoved: centre + (p - centre)·rMoved/r.
+/// circle of radius rMoved: centre + (p - centre)*rMoved/r.
 inline void moveRadially(double cx, double cy, double r, double rMoved, double px, double py,
                          double* ox, double* oy) {
   *ox = cx + (px - cx) * rMoved / r;

@@ -25,25 +25,35 @@ int writeVertexJoin(int code, double x, double y, double* ox, double* oy, double
 // first along the line's direction, plus the one met last.
 enum class Branch { none, minus, plus };
 
-// The line p + t·a crosses the circle of radius r about c, with q = p - c:
-//   |a|² t² + 2(a·q) t + |q|² - r² = 0, written with A = 2|a|², B = 2(a·q), Cq = |q|² - r²
-//   so that t = (-B ± sqrt(B² - 2·A·Cq)) / A.
-// The corner's vertex sits at parameter `target` on the line (1 for a line ending there, 0 for
-// one starting there); the branch is the root found there. A line that touches the circle has
-// one double root, and then the turn k (cross product of the two directions times the bulge)
-// says on which side the arc leaves; a turn within eps leaves no way to tell.
-Branch branchAtVertex(double eps, double ax, double ay, double qx, double qy, double r,
-                      double target, double turn) {
+// The line p + t*a meets the circle of radius r about c where, with q = p - c,
+//   |a|^2 t^2 + 2(a.q) t + |q|^2 - r^2 = 0.
+// Written with A = 2|a|^2, B = 2(a.q), Cq = |q|^2 - r^2 the roots are
+//   t = (-B +- sqrt(disc)) / A,  disc = B^2 - 2*A*Cq.
+struct LineCircleQuadratic {
+  double A, B, disc;
+};
+
+LineCircleQuadratic lineCircleQuadratic(double ax, double ay, double qx, double qy, double r) {
   const double A = 2.0 * (ax * ax + ay * ay);
   const double B = 2.0 * (ax * qx + ay * qy);
   const double Cq = qx * qx + qy * qy - r * r;
-  const double disc = B * B - 2.0 * A * Cq;
-  if (disc < -eps)
+  return {A, B, B * B - 2.0 * A * Cq};
+}
+
+// The branch on which the unmoved line meets the unmoved circle at the corner's vertex, which
+// sits at parameter `target` on the line (1 for a line ending there, 0 for one starting there).
+// A line that touches the circle has one double root; then the turn (cross product of the two
+// directions times the bulge) says on which side the arc leaves, and a turn within eps leaves
+// no way to tell.
+Branch branchAtVertex(double eps, double ax, double ay, double qx, double qy, double r,
+                      double target, double turn) {
+  const LineCircleQuadratic eq = lineCircleQuadratic(ax, ay, qx, qy, r);
+  if (eq.disc < -eps)
     return Branch::none;
-  if (disc >= eps) {
-    const double root = std::sqrt(disc);
-    const double tMinus = (-B - root) / A;
-    const double tPlus = (-B + root) / A;
+  if (eq.disc >= eps) {
+    const double root = std::sqrt(eq.disc);
+    const double tMinus = (-eq.B - root) / eq.A;
+    const double tPlus = (-eq.B + root) / eq.A;
     if (std::fabs(tMinus - target) < eps)
       return Branch::minus;
     if (std::fabs(tPlus - target) < eps)
@@ -58,22 +68,19 @@ Branch branchAtVertex(double eps, double ax, double ay, double qx, double qy, do
   return Branch::none;
 }
 
-// Parameter on the moved line q + t·a (q now relative to the centre) where it meets the moved
-// circle of radius rMoved on the given branch; false when it misses the circle. Round-off can
-// make a touching line's discriminant slightly negative, hence the eps slack.
+// Parameter on the moved line q + t*a (q relative to the centre) where it meets the moved
+// circle of radius rMoved on the given branch; false when it misses the circle. A touching
+// line's discriminant is taken as zero within eps, where round-off decides its sign.
 bool movedLineRoot(double eps, double ax, double ay, double qx, double qy, double rMoved,
                    Branch branch, double* t) {
-  const double A = 2.0 * (ax * ax + ay * ay);
-  const double B = 2.0 * (ax * qx + ay * qy);
-  const double Cq = qx * qx + qy * qy - rMoved * rMoved;
-  const double disc = B * B - 2.0 * A * Cq;
-  if (disc < -eps)
+  const LineCircleQuadratic eq = lineCircleQuadratic(ax, ay, qx, qy, rMoved);
+  if (eq.disc < -eps)
     return false;
-  if (disc >= eps) {
-    const double root = std::sqrt(disc);
-    *t = branch == Branch::plus ? (-B + root) / A : (-B - root) / A;
+  if (eq.disc >= eps) {
+    const double root = std::sqrt(eq.disc);
+    *t = branch == Branch::plus ? (-eq.B + root) / eq.A : (-eq.B - root) / eq.A;
   } else {
-    *t = -B / A;
+    *t = -eq.B / eq.A;
   }
   return true;
 }
@@ -89,9 +96,9 @@ void branchAngleRange(Branch branch, double phi, double* lo, double* hi) {
   }
 }
 
-// The join of a line and an arc that share the vertex (vx, vy). The line runs from (lx0, ly0)
-// along a; `target` is the vertex's parameter on it. `vertexAngle` is the arc's angle at the
-// vertex. Returns 1 with the point, the line parameter and the arc parameter, or 0.
+// The join of a line and an arc that share the corner's vertex. The line runs from (lx0, ly0)
+// along a, `target` is the vertex's parameter on it and `vertexAngle` the arc's angle there.
+// Returns 1 with the point, the line parameter and the arc parameter, or 0 writing nothing.
 int lineArcJoin(double eps, double d, double lx0, double ly0, double ax, double ay, double target,
                 double turn, const BulgeArc& arc, double bulge, double vertexAngle, double* ox,
                 double* oy, double* tLine, double* tArc) {
@@ -149,7 +156,7 @@ int LLOffset(double eps, double d, double x1, double y1, double x2, double y2, d
     return writeVertexJoin(-2, px, py, ox, oy, t1, t2);
   }
 
-  // Moved lines A1 + t1·a and B2 + t2·b. c is the negated cross product of the unnormalised
+  // Moved lines A1 + t1*a and B2 + t2*b. c is the negated cross product of the unnormalised
   // directions, compared with eps itself (an area against a length, deliberately).
   double a1x, a1y, b2x, b2y;
   moveAlongNormal(d, x1, y1, x2, y2, x1, y1, &a1x, &a1y);

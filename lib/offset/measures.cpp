@@ -13,7 +13,7 @@ namespace {
 
 // Area of the circular segment between a bulge arc and its chord, signed like the included
 // angle theta = 4 atan(bulge). With the signed radius R = L / sin(theta/2) / 2 the segment is
-// (theta - sin theta)·R²/2; R² is positive, so the sign comes from theta alone.
+// (theta - sin theta)*R^2/2; R^2 is positive, so the sign comes from theta alone.
 double arcSegmentArea(double chord, double bulge) {
   const double theta = 4.0 * std::atan(bulge);
   const double radius = chord / std::sin(theta / 2.0) / 2.0;
