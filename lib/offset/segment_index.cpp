@@ -32,7 +32,7 @@ SegmentBox paddedSegmentBox(double eps, double x1, double y1, double x2, double 
   const double chord = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
   const double size = std::max(
       {std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
-  // Tolerances reach eps·L along a line, eps·R along an arc and eps across either; a few times
+  // Tolerances reach eps*L along a line, eps*R along an arc and eps across either; a few times
   // that, plus a relative margin for round-off in near-parallel cases, keeps the box a superset
   // of everything the intersection routines can accept. A larger box only costs a test.
   const double slackTol = 8.0 * std::fabs(eps) * (1.0 + chord + radius);

@@ -5,7 +5,7 @@
 // The loop scan tests every segment against the earlier ones, nearest first (i-1 down to 0), and
 // cuts at the first that crosses it. It keeps exactly that order and those results, but asks a
 // box tree over the segments (segment_index.h) for the earlier segments that can cross at all,
-// so a polyline with few crossings costs O(n log n) instead of O(n²). Segments keep stable ids
+// so a polyline with few crossings costs O(n log n) instead of O(n^2). Segments keep stable ids
 // (their row at the start of the scan); a cut removes the ids inside the loop and the row X takes
 // the id of row i, so id order stays position order and stored boxes only ever grow too large,
 // never too small. The visibility tests of PLineDist use the same tree.
@@ -96,7 +96,7 @@ double parameterAlong(double eps, const Segment& s, double x, double y) {
 }
 
 // Bulges of the two pieces of a segment cut at X: head from its start to X, tail from X to its
-// end, each sign(bulge)·tan(sweep/4) of its own sweep; 0 for a straight segment.
+// end, each sign(bulge)*tan(sweep/4) of its own sweep; 0 for a straight segment.
 void splitBulges(double eps, const Segment& s, double x, double y, double* head, double* tail) {
   if (!s.isArc) {
     *head = 0.0;
@@ -192,7 +192,7 @@ bool loopCrossing(double eps, const Segment& si, const Segment& sj, bool adjacen
 // ---- Distances -------------------------------------------------------------------------------
 
 // Signed distance from p to the carrier of a segment: the perpendicular distance for a line
-// (positive on the right of travel), (|p - C| - R)·sign(bulge) for an arc. False for a straight
+// (positive on the right of travel), (|p - C| - R)*sign(bulge) for an arc. False for a straight
 // segment shorter than eps.
 bool carrierDistance(double eps, const double* p, const Segment& s, double* d) {
   if (s.isArc) {
