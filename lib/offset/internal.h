@@ -88,3 +88,26 @@ inline void shiftRangeToReach(double& lo, double& hi, double angle, double eps) 
 }
 
 }  // namespace tarnsysm::detail
+
+// ---- Offset driver and loop trimming (driver.cpp, trim.cpp) -----------------------------------
+
+namespace tarnsysm::detail {
+
+/// The part of the signed `step` that segment i (row i to row i+1, or to row 0 for the closing
+/// segment) can take before it shrinks to a point or, for an arc moving towards its centre,
+/// before its radius reaches 0. Returns step when nothing limits it, 0.0 for n < 2 and step for
+/// n = 2 or an index without a segment. See driver.cpp for the side signs.
+double OffsetStepLimit(double eps, double step, int i, int closed, int n, double (*const v)[5]);
+
+/// Writes the polyline moved by `step` into rows 0 .. of v and returns the new row count; reads
+/// a copy of the n rows kept in rows n .. 2n-1 (v holds 2n rows). Returns 0 for n < 2.
+int BuildOffsetPLine(double eps, double step, int closed, int n, double (*const v)[5]);
+
+/// BuildOffsetPLine in an array of `capacity` rows: the copy of the n rows goes to the top,
+/// rows capacity-n .. capacity-1, and the moved rows grow from row 0. Returns -1, with the rows
+/// in an unspecified state, when the moved rows would reach a copied row that is still to be
+/// read or run past the capacity.
+int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*const v)[5],
+                           long long capacity);
+
+}  // namespace tarnsysm::detail
