@@ -75,7 +75,16 @@ INSTANTIATE_TEST_SUITE_P(
         AreaCase{"square_pick_outside", kSquareCcw, {"--pick=-3,-4"}, 1.0, 144.0},
         AreaCase{"circle_outside", kCircleCcw, {"--side", "outside"}, 1.0, kPi * 36.0},
         AreaCase{"circle_inside", kCircleCcw, {"--side", "inside"}, 1.0, kPi * 16.0},
-        AreaCase{"circle_left_is_inside", kCircleCcw, {"--side", "left"}, 2.0, kPi * 9.0}),
+        AreaCase{"circle_left_is_inside", kCircleCcw, {"--side", "left"}, 2.0, kPi * 9.0},
+        AreaCase{"circle_inside_nearly_to_its_centre", kCircleCcw, {"--side", "inside"}, 4.0, kPi},
+        // A half disc of radius 5 closed by its diameter, the arc on the closing segment.
+        // Inwards by 1: the part of the radius-4 disc above the chord at distance 1,
+        // r^2 acos(d / r) - d sqrt(r^2 - d^2).
+        AreaCase{"half_disc_inside",
+                 "closed 2\n-5 0 0\n5 0 1\n",
+                 {"--side", "inside"},
+                 1.0,
+                 16.0 * std::acos(0.25) - std::sqrt(15.0)}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Tool, through_offset_passes_through_the_pick_point) {
@@ -88,6 +97,21 @@ TEST(Tool, through_offset_passes_through_the_pick_point) {
   const Drawing out = readTextFile(dir / "out.txt");
   ASSERT_EQ(out.polylines.size(), 1u);
   EXPECT_NEAR(std::fabs(enclosedArea(out.polylines[0])), 196.0, 1e-9);
+}
+
+TEST(Tool, circle_offset_inwards_past_its_centre_has_no_offset) {
+  // A hole of radius 5 drawn as two half circles, offset inwards by 8: nothing is left of
+  // it. (The library offsets a two-row polyline in one unlimited step; the tool hands it the
+  // circle as three rows so that the arc stops at its centre.) The same for a single arc.
+  TempDir dir;
+  writeFile(dir / "in.txt", std::string(kCircleCcw) + "open 2\n0 0 1\n10 0 0\n");
+  const RunResult run = runTool(dir, {"offset", "in.txt", "-d", "8", "--side", "left"});
+  EXPECT_EQ(run.status, 1);
+  const auto lines = linesOf(run.err);
+  ASSERT_EQ(lines.size(), 2u) << run.err;
+  EXPECT_NE(lines[0].find("polyline 1 not offset"), std::string::npos) << lines[0];
+  EXPECT_NE(lines[1].find("polyline 2 not offset"), std::string::npos) << lines[1];
+  EXPECT_EQ(run.out, "");
 }
 
 // ---- The written drawing -----------------------------------------------------------------

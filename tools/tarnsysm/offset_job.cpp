@@ -32,23 +32,40 @@ Rows rowsOf(const Polyline& polyline) {
 // side of such a segment says nothing.
 constexpr double kShortSegmentInEps = 1000.0;
 
-// The library's signed area (positive for a clockwise boundary). It counts a polyline of
-// fewer than three rows as enclosing nothing, yet a circle is commonly drawn as two half
-// circles; such a polyline is handed over with its first arc split at its midpoint.
-double enclosedArea(const Polyline& polyline, double eps) {
-  Polyline three = polyline;
-  if (polyline.vertices.size() == 2) {
-    const Vertex& a = polyline.vertices[0];
-    const Vertex& b = polyline.vertices[1];
+// A polyline of two rows with an arc, with that arc split at its midpoint into two arcs of
+// half the included angle. The library treats two rows specially: it counts them as
+// enclosing no area, and offsets them in one step without the limit that stops an arc at
+// its centre, so a circle drawn as two half circles and offset inwards past its centre would
+// come back as a circle again. Three rows describing the same curve get the general rules.
+Polyline withFirstArcSplit(const Polyline& polyline, double eps) {
+  const auto& v = polyline.vertices;
+  if (v.size() != 2)
+    return polyline;
+  const std::size_t segments = polyline.closed ? 2 : 1;
+  for (std::size_t i = 0; i < segments; ++i) {
+    const Vertex& a = v[i];
+    const Vertex& b = v[1 - i];
+    if (!(std::fabs(a.bulge) >= eps))
+      continue;
     Point mid;
     Point direction;
     segmentMidpoint(a, b, &mid, &direction);
     // Half the included angle: tan(theta / 8) = t / (1 + sqrt(1 + t^2)) with t = tan(theta / 4).
     const double halfBulge = a.bulge / (1.0 + std::sqrt(1.0 + a.bulge * a.bulge));
-    three.vertices = {{a.x, a.y, halfBulge}, {mid.x, mid.y, halfBulge}, b};
+    Polyline split = polyline;
+    split.vertices[i].bulge = halfBulge;
+    split.vertices.insert(split.vertices.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                          {mid.x, mid.y, halfBulge});
+    return split;
   }
-  const Rows rows = rowsOf(three);
-  return PLineArea(eps, 1, static_cast<int>(three.vertices.size()), rows.get());
+  return polyline;
+}
+
+// The library's signed area (positive for a clockwise boundary).
+double enclosedArea(const Polyline& polyline, double eps) {
+  const Polyline rowsForArea = withFirstArcSplit(polyline, eps);
+  const Rows rows = rowsOf(rowsForArea);
+  return PLineArea(eps, 1, static_cast<int>(rowsForArea.vertices.size()), rows.get());
 }
 
 }  // namespace
@@ -130,12 +147,14 @@ OffsetOutcome offsetPolyline(const Polyline& polyline, const OffsetOptions& opti
   }
   outcome.hasPick = true;
 
-  Rows rows = rowsOf(polyline);
-  int closed = polyline.closed ? 1 : 0;
+  const Polyline source = withFirstArcSplit(polyline, options.eps);
+  const std::size_t rowCount = source.vertices.size();
+  Rows rows = rowsOf(source);
+  int closed = source.closed ? 1 : 0;
   double pick[2] = {outcome.pick.x, outcome.pick.y};
-  const int count = PLineOffset(options.eps, &closed, static_cast<int>(n), rows.get(),
+  const int count = PLineOffset(options.eps, &closed, static_cast<int>(rowCount), rows.get(),
                                 options.through ? 1 : 0, pick, options.distance);
-  if (count <= 0 || static_cast<std::size_t>(count) > 2 * n) {
+  if (count <= 0 || static_cast<std::size_t>(count) > 2 * rowCount) {
     outcome.problem =
         "the library could not offset it (the pick point lies on it, or the offset "
         "leaves nothing of it)";
