@@ -236,6 +236,8 @@ TEST_P(UserErrors, one_line_exit_status_2_and_no_output_file) {
   writeFile(dir / "square.txt", kSquareCcw);
   writeFile(dir / "bad_number.txt", "closed 3\n0 0 0\n10 0 0\n10 1O 0\n");
   writeFile(dir / "short.txt", "closed 3\n0 0 0\n10 0 0\n");
+  // Far beyond any drawing; dxflib's writer would overflow its number buffer on it.
+  writeFile(dir / "huge.txt", "open 2\n1e300 0 0\n0 0 0\n");
   writeFile(dir / "empty.dxf", "");
   writeFile(dir / "junk.dxf", "this is not a drawing\n");
   DxfContent noPolylines;
@@ -271,6 +273,9 @@ INSTANTIATE_TEST_SUITE_P(
                   {"bad_number.txt", "-d", "1", "--side", "left"},
                   "bad_number.txt:4: malformed y '1O'"},
         ErrorCase{"file_ends_early", {"short.txt", "-d", "1", "--side", "left"}, "short.txt:3"},
+        ErrorCase{"huge_coordinate", {"huge.txt", "-d", "1", "--side", "left"}, "1e12"},
+        ErrorCase{"huge_distance", {"square.txt", "-d", "2e12", "--side", "left"}, "1e12"},
+        ErrorCase{"huge_pick", {"square.txt", "-d", "1", "--pick", "0,-1e200"}, "1e12"},
         ErrorCase{"malformed_distance", {"square.txt", "-d", "1,5", "--side", "left"}, "'1,5'"},
         ErrorCase{"infinite_distance", {"square.txt", "-d", "1e999", "--side", "left"}, "1e999"},
         ErrorCase{"zero_distance", {"square.txt", "-d", "0", "--side", "left"}, "not be 0"},

@@ -19,6 +19,11 @@ std::string describePolyline(const Polyline& polyline, std::size_t index) {
   return text;
 }
 
+bool isVertexWithin(const Vertex& v, double limit) {
+  // Written so that NaN fails every comparison and so the test.
+  return std::fabs(v.x) <= limit && std::fabs(v.y) <= limit && std::fabs(v.bulge) <= limit;
+}
+
 void segmentMidpoint(const Vertex& a, const Vertex& b, Point* mid, Point* direction) {
   // The arc is symmetric about the chord's perpendicular bisector, so its midpoint lies on
   // that bisector at the sagitta bulge * chord / 2 from the chord (a positive bulge bows to
@@ -45,6 +50,9 @@ void include(Extent* extent, double x, double y) {
   extent->high.y = std::max(extent->high.y, y);
 }
 
+// Below this bulge (sagitta over half chord) an arc counts as flat for its extent.
+constexpr double kFlatBulge = 1e-6;
+
 // The arc's extreme points in x and y: a point of the circle belongs to the arc exactly when
 // it lies on the same side of the chord as the arc's midpoint.
 void includeArc(Extent* extent, const Vertex& a, const Vertex& b) {
@@ -54,7 +62,10 @@ void includeArc(Extent* extent, const Vertex& a, const Vertex& b) {
   include(extent, mid.x, mid.y);
   const double bulge = std::fabs(a.bulge);
   const double halfChord = std::hypot(b.x - a.x, b.y - a.y) / 2.0;
-  if (bulge == 0.0 || halfChord == 0.0)
+  // A nearly flat arc strays from the box of its ends and midpoint by less than its tiny
+  // sagitta, while its huge radius would make the centre-plus-radius sums below cancel into
+  // noise: the box of those three points is its extent.
+  if (bulge < kFlatBulge || halfChord == 0.0)
     return;
   const double radius = halfChord * (1.0 + bulge * bulge) / (2.0 * bulge);
   // The centre lies from the midpoint towards the chord, at the radius.

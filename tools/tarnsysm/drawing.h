@@ -33,6 +33,17 @@ struct Drawing {
   std::size_t skipped = 0;  // polylines the reader left out: 3D ones, meshes, tilted planes
 };
 
+/// Largest magnitude of a coordinate, bulge, distance or pick point the tool takes in: far
+/// beyond any drawing (1e12 millimetres is a million kilometres), and small enough that every
+/// offset, arc radius and extent stays a number that DXF files and SVG renderers can hold.
+inline constexpr double kLargestInput = 1e12;
+/// Largest magnitude of a coordinate or bulge the tool accepts back from the library; an
+/// offset vertex beyond it (a join of nearly parallel segments far away) counts as a failure.
+inline constexpr double kLargestResult = 1e15;
+
+/// True when x, y and bulge are finite and no larger in magnitude than `limit`.
+bool isVertexWithin(const Vertex& v, double limit);
+
 /// A mistake in what the user asked for or gave us (missing file, malformed number, ...):
 /// reported as one line on stderr, exit status 2, and no output file is written.
 class UserError : public std::runtime_error {

@@ -83,6 +83,8 @@ constexpr int kGrey = 8;
 constexpr int kBlue = 5;
 constexpr int kRed = 1;
 constexpr int kDefaultLineWeight = -3;
+// Largest magnitude of a number handed to dxflib's writer (see writeDxf).
+constexpr double kLargestWritable = 1e100;
 
 DL_Attributes onLayer(const std::string& layer) {
   return DL_Attributes(layer, kByLayer, kDefaultLineWeight, "BYLAYER", 1.0);
@@ -146,6 +148,27 @@ DxfContent offsetDrawing(const std::vector<Polyline>& input, const std::vector<P
 }
 
 void writeDxf(const std::string& path, const DxfContent& content) {
+  // dxflib prints each number in fixed-point notation into a buffer of a few hundred
+  // characters, which numbers beyond about 1e238 overflow: refuse them before writing.
+  std::vector<const Polyline*> all;
+  for (const Polyline& p : content.polylines) {
+    all.push_back(&p);
+    for (const Vertex& v : p.vertices) {
+      if (!isVertexWithin(v, kLargestWritable))
+        throw std::runtime_error("cannot write '" + path + "': a vertex is out of range");
+    }
+  }
+  for (const Point& p : content.points) {
+    if (!isVertexWithin({p.x, p.y, 0.0}, kLargestWritable))
+      throw std::runtime_error("cannot write '" + path + "': a point is out of range");
+  }
+  Extent extent;
+  if (extentOf(all, &extent) &&
+      !(isVertexWithin({extent.low.x, extent.low.y, 0.0}, kLargestWritable) &&
+        isVertexWithin({extent.high.x, extent.high.y, 0.0}, kLargestWritable))) {
+    throw std::runtime_error("cannot write '" + path + "': the drawing's extent is out of range");
+  }
+
   DL_Dxf dxf;
   std::unique_ptr<DL_WriterA> dw(dxf.out(path.c_str(), DL_Codes::AC1015));
   if (!dw || dw->openFailed())

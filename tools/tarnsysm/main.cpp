@@ -43,6 +43,8 @@ double numberOption(const std::string& name, const std::string& text) {
   double value = 0.0;
   if (!parseFiniteNumber(text, &value))
     throw UserError(name + ": malformed number '" + text + "'");
+  if (std::fabs(value) > kLargestInput)
+    throw UserError(name + ": " + text + " is beyond +-1e12");
   return value;
 }
 
@@ -55,6 +57,8 @@ Point pickOption(const std::string& text) {
     throw UserError("--pick: expected X,Y with two numbers (e.g. --pick 10,-2.5), got '" + text +
                     "'");
   }
+  if (!isVertexWithin({x, y, 0.0}, kLargestInput))
+    throw UserError("--pick: " + text + " is beyond +-1e12");
   return {x, y};
 }
 
@@ -103,9 +107,9 @@ Drawing readDrawing(const std::string& path) {
   }
   for (std::size_t i = 0; i < drawing.polylines.size(); ++i) {
     for (const Vertex& v : drawing.polylines[i].vertices) {
-      if (!std::isfinite(v.x) || !std::isfinite(v.y) || !std::isfinite(v.bulge)) {
+      if (!isVertexWithin(v, kLargestInput)) {
         throw UserError(describePolyline(drawing.polylines[i], i + 1) + " in '" + path +
-                        "' has a coordinate or bulge that is not a finite number");
+                        "' has a coordinate or bulge that is not a number within +-1e12");
       }
     }
   }

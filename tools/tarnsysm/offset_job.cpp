@@ -162,12 +162,13 @@ OffsetOutcome offsetPolyline(const Polyline& polyline, const OffsetOptions& opti
   }
   outcome.result.closed = closed != 0;
   for (int i = 0; i < count; ++i) {
-    if (!std::isfinite(rows[i][0]) || !std::isfinite(rows[i][1]) || !std::isfinite(rows[i][2])) {
+    const Vertex vertex{rows[i][0], rows[i][1], rows[i][2]};
+    if (!isVertexWithin(vertex, kLargestResult)) {
       outcome.result.vertices.clear();
-      outcome.problem = "the library returned a vertex that is not a finite number";
+      outcome.problem = "the library returned a vertex that is not a number within +-1e15";
       return outcome;
     }
-    outcome.result.vertices.push_back({rows[i][0], rows[i][1], rows[i][2]});
+    outcome.result.vertices.push_back(vertex);
   }
   outcome.offset = true;
   return outcome;
