@@ -12,12 +12,6 @@ using namespace tarnsysm::detail;
 
 namespace {
 
-double directionBetween(double eps, double x1, double y1, double x2, double y2) {
-  double angle = 0.0;
-  DAngle(eps, x1, y1, x2, y2, &angle);
-  return angle;
-}
-
 // Every member leaves ea >= sa - eps: the end may lie one turn up.
 void liftEndAboveStart(double eps, double sa, double& ea) {
   if (sa - eps > ea)

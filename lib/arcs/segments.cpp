@@ -12,12 +12,6 @@ using namespace tarnsysm::detail;
 
 namespace {
 
-double directionBetween(double eps, double x1, double y1, double x2, double y2) {
-  double angle = 0.0;
-  DAngle(eps, x1, y1, x2, y2, &angle);
-  return angle;
-}
-
 // Tangent direction of travel at the point of radial angle `radial`, reduced into one turn.
 double travelDirection(double eps, double radial, bool counterClockwise) {
   double dir = counterClockwise ? radial + kHalfPi : radial - kHalfPi;

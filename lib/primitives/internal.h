@@ -3,6 +3,8 @@
 // and the polynomial root solvers. Not installed; every subsystem uses these instead of copies.
 #pragma once
 
+#include "primitives/primitives.h"
+
 #include <cmath>
 
 namespace tarnsysm::detail {
@@ -29,6 +31,13 @@ inline bool withinOpen(double v, double eps) {
 
 inline double square(double v) {
   return v * v;
+}
+
+/// DAngle as a value: the direction from (x1, y1) to (x2, y2), 0 for coincident points.
+inline double directionBetween(double eps, double x1, double y1, double x2, double y2) {
+  double angle = 0.0;
+  DAngle(eps, x1, y1, x2, y2, &angle);
+  return angle;
 }
 
 /// Adds 2 pi to `value` (and to `companion`, when given, in lockstep) while `value` is below

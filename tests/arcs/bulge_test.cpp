@@ -2,6 +2,8 @@
 // Tests of bulge arcs (centre side, angle order, degenerate outputs) and of arc extents.
 #include <Tarnsysm.h>
 
+#include "test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,12 +15,8 @@
 namespace {
 
 constexpr double kEps = 1e-6;
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
+using namespace tarnsysm::test;
 constexpr double kSentinel = -999.5;
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 struct Arc {
   int ok;

@@ -4,14 +4,11 @@
 
 #include <cmath>
 #include <limits>
+#include "test_support.h"
 
 namespace arcs_test {
 
-inline constexpr double kPi = 3.141592653589793;
-inline constexpr double kTwoPi = 6.283185307179586;
-inline constexpr double kHalfPi = 1.5707963267948966;
-inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-inline constexpr double kInf = std::numeric_limits<double>::infinity();
+using namespace tarnsysm::test;
 // An eps that is a power of two, so eps / 2, 2 eps and eps^2 are exact.
 inline constexpr double kDyadicEps = 1.0 / (1 << 20);
 

@@ -3,6 +3,8 @@
 // tolerance boundaries, and that every reported point lies on both curves.
 #include <Tarnsysm.h>
 
+#include "test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,12 +17,8 @@ namespace {
 // A power of two: boundary cases below add and multiply it exactly.
 constexpr double kEps = 1.0 / 1024.0;
 constexpr double kFine = 1e-9;
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
+using namespace tarnsysm::test;
 constexpr double kSentinel = -4242.125;
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 const double kHalfSqrt3 = std::sqrt(3.0) / 2;
 
 // Distance from (px, py) to the infinite line through (x1, y1) and (x2, y2).

@@ -2,6 +2,8 @@
 // Tests of the offset corner joins and of moved points of a segment.
 #include <Tarnsysm.h>
 
+#include "test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,7 +16,7 @@ namespace {
 constexpr double kEps = 1e-9;
 // A power of two, so that eps, eps/2 and 2 eps are exact and boundaries decide exactly.
 constexpr double kBinEps = 1.0 / 1024.0;
-constexpr double kPi = 3.141592653589793;
+using namespace tarnsysm::test;
 constexpr double kSentinel = -12345.0;
 const double kQuarterBulge = std::tan(kPi / 8.0);  // a quarter circle
 const double kSqrt2 = std::sqrt(2.0);

@@ -2,6 +2,8 @@
 // Tests of the polyline measures: segment and polyline areas, point-on-polyline.
 #include <Tarnsysm.h>
 
+#include "test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -16,7 +18,7 @@ namespace {
 constexpr double kEps = 1e-9;
 // A power of two, so that eps, eps/2 and 2 eps are exact and boundaries decide exactly.
 constexpr double kBinEps = 1.0 / 1024.0;
-constexpr double kPi = 3.141592653589793;
+using namespace tarnsysm::test;
 const double kQuarterBulge = std::tan(kPi / 8.0);  // a quarter circle
 
 using Row = std::array<double, 5>;

@@ -3,6 +3,8 @@
 // whole-turn stepping helpers.
 #include <Tarnsysm.h>
 
+#include "test_support.h"
+
 #include "primitives/internal.h"
 
 #include <gtest/gtest.h>
@@ -17,11 +19,7 @@ namespace {
 // A power of two, so that sums like 1 + eps and products like 2 eps are exact and the interval
 // boundaries below are hit exactly, not approximately.
 constexpr double kEps = 1.0 / 1024.0;
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
-constexpr double kInf = std::numeric_limits<double>::infinity();
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
+using namespace tarnsysm::test;
 
 // ---------------------------------------------------------------------------------------------
 // DAngle

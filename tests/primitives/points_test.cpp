@@ -2,6 +2,8 @@
 // Tests of point coincidence, distances, 3-component copies, rotation and unit vectors.
 #include <Tarnsysm.h>
 
+#include "test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,11 +12,8 @@
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kHalfPi = 1.5707963267948966;
+using namespace tarnsysm::test;
 constexpr double kSentinel = -12345.5;
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 // ---------------------------------------------------------------------------------------------
 // SamePoint

@@ -3,6 +3,8 @@
 // arcs, nearest points.
 #include <Tarnsysm.h>
 
+#include "test_support.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,12 +17,8 @@ namespace {
 constexpr double kEps = 1e-6;
 // A power of two, so that eps / 2, 2 eps and eps^2 are exact and boundaries fall where intended.
 constexpr double kDyadicEps = 1.0 / (1 << 20);
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kHalfPi = 1.5707963267948966;
+using namespace tarnsysm::test;
 constexpr double kSentinel = -777.0;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 double angleGap(double a, double b) {
   return std::fabs(std::remainder(a - b, kTwoPi));
@@ -431,10 +429,7 @@ TEST(DPonPLperV, points_lie_on_the_bulge_arc_and_head_along_it) {
 // ---- Hostile input ------------------------------------------------------------------------
 
 TEST(PointQueries, hostile_numbers_return_promptly_and_write_only_their_outputs) {
-  const double values[] = {0.0, 1.0, -1.0, kNaN, kInf, -kInf, 1e300, -1e300, 1e-300, 0.5};
-  std::mt19937 rng(77);
-  std::uniform_int_distribution<int> pick(0, 9);
-  auto v = [&] { return values[pick(rng)]; };
+  HostileNumbers v(77);
   for (int i = 0; i < 3000; ++i) {
     double outs[5] = {kSentinel, 0, 0, 0, kSentinel};  // three outputs between two guards
     double* o = outs + 1;

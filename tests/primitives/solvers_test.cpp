@@ -2,6 +2,7 @@
 // Tests of the closed-form polynomial root solvers: counts, the fixed order of the roots, the
 // open zero tests on coefficients and discriminants, and that the roots solve the equation.
 #include "primitives/internal.h"
+#include "test_support.h"
 
 #include <gtest/gtest.h>
 
@@ -20,8 +21,7 @@ using tarnsysm::detail::SolveQuartic;
 
 constexpr double kEps = 1e-9;
 constexpr double kSentinel = -777.25;
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
+using namespace tarnsysm::test;
 
 // Residual of a polynomial (highest degree first) at x, relative to the size of its terms, so
 // that roots of large magnitude are judged fairly.
