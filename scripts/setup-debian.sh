@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Tarnsysm: installs what building, testing and benchmarking need on a fresh Debian machine.
-# Run as root (or through sudo); packages already present are left alone.
+# Packages already present are left alone; when not run as root it asks sudo for the install.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang clang-format binutils pkg-config
   libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev)
@@ -9,7 +9,9 @@ for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
 done
 if ((${#missing[@]})); then
-  export DEBIAN_FRONTEND=noninteractive
-  apt-get update -qq
-  apt-get install -y -qq --no-install-recommends "${missing[@]}"
+  as_root=()
+  [ "$(id -u)" = 0 ] || as_root=(sudo)
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
