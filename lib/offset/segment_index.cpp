@@ -78,18 +78,64 @@ void SegmentIndex::remove(int id) {
   }
 }
 
-bool SegmentIndex::lineSeparates(int node, double x1, double y1, double nx, double ny,
-                                 double pad) const {
+SightSegment::SightSegment(double x1, double y1, double x2, double y2, double pad)
+    : box_{std::min(x1, x2) - pad, std::min(y1, y2) - pad, std::max(x1, x2) + pad,
+           std::max(y1, y2) + pad},
+      x1_(x1),
+      y1_(y1),
+      nx_(0.0),
+      ny_(0.0),
+      pad_(pad),
+      hasLine_(false) {
+  // Unit normal of the segment's line; a point has no line, the box test alone decides.
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  const double len = std::sqrt(dx * dx + dy * dy);
+  if (len > 0.0 && len < 1e300) {
+    nx_ = dy / len;
+    ny_ = -dx / len;
+    hasLine_ = true;
+  }
+}
+
+void SegmentIndex::removeRange(int first, int last) {
+  if (first < 0)
+    first = 0;
+  if (last >= count_)
+    last = count_ - 1;
+  if (first > last)
+    return;
+  int lo = leaves_ + first;
+  int hi = leaves_ + last;
+  for (int k = lo; k <= hi; ++k)
+    nodes_[k] = SegmentBox::empty();
+  // Refit the parents of the emptied nodes, one level at a time.
+  for (lo /= 2, hi /= 2; lo >= 1; lo /= 2, hi /= 2) {
+    for (int k = lo; k <= hi; ++k) {
+      const SegmentBox& a = nodes_[2 * k];
+      const SegmentBox& b = nodes_[2 * k + 1];
+      nodes_[k] = {std::min(a.xmin, b.xmin), std::min(a.ymin, b.ymin), std::max(a.xmax, b.xmax),
+                   std::max(a.ymax, b.ymax)};
+    }
+    if (lo == 1)
+      break;
+  }
+}
+
+bool SightSegment::mayMeet(const SegmentBox& b) const {
+  if (!box_.overlaps(b))
+    return false;
+  if (!hasLine_)
+    return true;
   // The box lies wholly on one side of the line, farther than pad: the signed distances of its
   // nearest and farthest corners along the normal have the same sign.
-  const SegmentBox& b = nodes_[node];
-  const double ax = (nx >= 0.0 ? b.xmin : b.xmax) - x1;
-  const double ay = (ny >= 0.0 ? b.ymin : b.ymax) - y1;
-  const double bx = (nx >= 0.0 ? b.xmax : b.xmin) - x1;
-  const double by = (ny >= 0.0 ? b.ymax : b.ymin) - y1;
-  const double lowest = ax * nx + ay * ny;
-  const double highest = bx * nx + by * ny;
-  return lowest > pad || highest < -pad;
+  const double ax = (nx_ >= 0.0 ? b.xmin : b.xmax) - x1_;
+  const double ay = (ny_ >= 0.0 ? b.ymin : b.ymax) - y1_;
+  const double bx = (nx_ >= 0.0 ? b.xmax : b.xmin) - x1_;
+  const double by = (ny_ >= 0.0 ? b.ymax : b.ymin) - y1_;
+  const double lowest = ax * nx_ + ay * ny_;
+  const double highest = bx * nx_ + by * ny_;
+  return !(lowest > pad_ || highest < -pad_);
 }
 
 }  // namespace tarnsysm::detail

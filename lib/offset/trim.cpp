@@ -47,13 +47,13 @@ namespace {
 // A segment from one row to the next, with its circle when it is an arc (a bulge outside
 // (-eps, eps) that PL_ArcParam accepts; any other segment is straight).
 struct Segment {
-  double x1 = 0.0, y1 = 0.0, x2 = 0.0, y2 = 0.0, bulge = 0.0;
-  bool isArc = false;
-  double cx = 0.0, cy = 0.0, r = 0.0, sa = 0.0, ea = 0.0;
+  double x1, y1, x2, y2, bulge;
+  bool isArc;
+  double cx, cy, r, sa, ea;
 };
 
 Segment segmentOf(double eps, double x1, double y1, double bulge, double x2, double y2) {
-  Segment s;
+  Segment s{x1, y1, x2, y2, bulge, false, 0.0, 0.0, 0.0, 0.0, 0.0};
   s.x1 = x1;
   s.y1 = y1;
   s.x2 = x2;
@@ -233,20 +233,116 @@ bool onMovedPiece(double eps, double* p, const Segment& s1, const Segment& s2, d
   return k >= 2 && PointsOnPLine(eps, p, 0, k, rows) == 1;
 }
 
-// VertexDist's answer, but giving up (false) as soon as every candidate still to be tried is at
-// least `bound` in magnitude: then whatever it would answer cannot beat `bound`.
-bool vertexDistBelow(double eps, double* p, const Segment& s1, const Segment& s2,
-                     const Candidates& c, double bound, double* dist) {
+// The corner of the piece moved by d as the raw builder joins it.
+struct PieceJoin {
+  int code;
+  double x, y, t1, t2;
+};
+
+PieceJoin joinOfPiece(double eps, const Segment& s1, const Segment& s2, double d) {
+  PieceJoin j{0, 0.0, 0.0, 1.0, 0.0};
+  const bool inArc = !withinOpen(s1.bulge, eps);
+  const bool outArc = !withinOpen(s2.bulge, eps);
+  if (inArc && outArc)
+    j.code = AAOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s1.bulge, s2.bulge, &j.x,
+                      &j.y, &j.t1, &j.t2);
+  else if (inArc)
+    j.code = ALOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s1.bulge, &j.x, &j.y, &j.t1,
+                      &j.t2);
+  else if (outArc)
+    j.code = LAOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s2.bulge, &j.x, &j.y, &j.t1,
+                      &j.t2);
+  else
+    j.code = LLOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, &j.x, &j.y, &j.t1, &j.t2);
+  return j;
+}
+
+// Is p certainly away from the part of segment s, moved by d, that runs from parameter tFrom to
+// parameter tTo? `carrier` is p's signed distance from s's line or circle. False when unsure.
+// The margins are far wider than round-off in the moved rows that PointsOnPLine tests: this
+// only spares the full test where p is plainly elsewhere.
+bool awayFromMovedPart(double eps, const double* p, const Segment& s, bool carrierOk,
+                       double carrier, double d, double tFrom, double tTo, double tolLen) {
+  if (!carrierOk || !std::isfinite(carrier))
+    return false;
+  // Not on the moved line or circle at all.
+  if (std::fabs(carrier - d) > tolLen)
+    return true;
+  const double lo = std::fmin(tFrom, tTo);
+  const double hi = std::fmax(tFrom, tTo);
+  if (!s.isArc) {
+    const double dx = s.x2 - s.x1;
+    const double dy = s.y2 - s.y1;
+    const double len2 = dx * dx + dy * dy;
+    const double tp = ((p[0] - s.x1) * dx + (p[1] - s.y1) * dy) / len2;
+    const double margin = eps * (1.0 + hi - lo) + 1e-6 + tolLen / std::sqrt(len2);
+    return tp < lo - margin || tp > hi + margin;
+  }
+  const double rMoved = movedRadius(s.r, s.bulge, d);
+  if (!(rMoved > 1e3 * tolLen))
+    return false;
+  double start, end;
+  arcAnglesInTravelOrder(s.bulge, s.sa, s.ea, &start, &end);
+  const double a0 = start + tFrom * (end - start);
+  const double a1 = start + tTo * (end - start);
+  const double half = std::fabs(a1 - a0) / 2.0;
+  // A sweep near a whole turn is written as a chord; leave that to the full test.
+  if (!(half < kPi - 1e-3))
+    return false;
+  const double mid = (a0 + a1) / 2.0;
+  double alpha = std::atan2(p[1] - s.cy, p[0] - s.cx);
+  bringAngleIntoRange(alpha, mid - kPi, mid + kPi, 0.0);
+  const double margin = eps + 1e-6 + tolLen / rMoved;
+  return std::fabs(alpha - mid) > half + margin;
+}
+
+// True when p certainly does not lie on the three-row piece s1, s2 moved by d: the corner joins
+// in one row (no half circle), and p is away from both moved segments, the first running from
+// parameter 0 to the join, the second from the join to parameter 1.
+bool pieceMissesPoint(double eps, const double* p, const Segment& s1, const Segment& s2,
+                      const Candidates& c, double d) {
+  const PieceJoin j = joinOfPiece(eps, s1, s2, d);
+  if (j.code != 1 && j.code != 2)
+    return false;
+  const double scale = std::fmax(std::fmax(std::fabs(s1.x1), std::fabs(s1.y1)),
+                                 std::fmax(std::fmax(std::fabs(s2.x1), std::fabs(s2.y1)),
+                                           std::fmax(std::fabs(s2.x2), std::fabs(s2.y2)))) +
+                       std::fabs(p[0]) + std::fabs(p[1]) + std::fabs(d) + s1.r + s2.r;
+  const double tolLen = 4.0 * eps + 1e-9 * (1.0 + scale);
+  if (!std::isfinite(tolLen))
+    return false;
+  return awayFromMovedPart(eps, p, s1, c.ok[0], c.d[0], d, 0.0, j.t1, tolLen) &&
+         awayFromMovedPart(eps, p, s2, c.ok[1], c.d[1], d, j.t2, 1.0, tolLen);
+}
+
+// Does p lie on the piece moved by candidate m? A moved piece that plainly misses p is told
+// without building it.
+bool candidatePasses(double eps, double* p, const Segment& s1, const Segment& s2,
+                     const Candidates& c, int m) {
+  return c.ok[m] && !pieceMissesPoint(eps, p, s1, s2, c, c.d[m]) &&
+         onMovedPiece(eps, p, s1, s2, c.d[m]);
+}
+
+// VertexDist's answer when it beats `bound` (|d| < bound, or |d| == bound when a tie wins);
+// false when it does not. VertexDist answers with its first passing candidate, so the
+// candidates that could beat are tried first, in order; only when one passes are the earlier
+// ones that could not beat tried as well (if one of those passes, the answer cannot beat).
+bool vertexDistBeating(double eps, double* p, const Segment& s1, const Segment& s2,
+                       const Candidates& c, double bound, bool tieWins, double* dist) {
+  bool beats[3];
   for (int m = 0; m < 3; ++m) {
-    bool anyBelow = false;
-    for (int r = m; r < 3; ++r)
-      anyBelow = anyBelow || (c.ok[r] && std::fabs(c.d[r]) < bound);
-    if (!anyBelow)
-      return false;
-    if (c.ok[m] && onMovedPiece(eps, p, s1, s2, c.d[m])) {
-      *dist = c.d[m];
-      return true;
+    const double ad = std::fabs(c.d[m]);
+    beats[m] = c.ok[m] && (ad < bound || (tieWins && ad == bound));
+  }
+  for (int m = 0; m < 3; ++m) {
+    if (!beats[m] || !candidatePasses(eps, p, s1, s2, c, m))
+      continue;
+    for (int earlier = 0; earlier < m; ++earlier) {
+      if (!beats[earlier] && candidatePasses(eps, p, s1, s2, c, earlier))
+        return false;
     }
+    *dist = c.d[m];
+    return true;
   }
   return false;
 }
@@ -256,7 +352,7 @@ bool vertexDistBelow(double eps, double* p, const Segment& s1, const Segment& s2
 class PolylineSegments {
  public:
   PolylineSegments(double eps, int closed, int n, double (*const v)[5])
-      : eps_(eps), closed_(closed), n_(n), v_(v), segments_(n), ready_(n, 0) {}
+      : eps_(eps), closed_(closed), n_(n), v_(v), segments_(new Segment[n]), ready_(n, 0) {}
 
   const Segment& segment(int s) {
     if (!ready_[s]) {
@@ -266,10 +362,15 @@ class PolylineSegments {
     return segments_[s];
   }
 
-  // IntersPLine(eps, k, px, py, closed, n, v) through the tree.
+  // Takes segment s as already worked out from the same rows elsewhere.
+  void adopt(int s, const Segment& segment) {
+    segments_[s] = segment;
+    ready_[s] = 1;
+  }
+
+  // IntersPLine(eps, k, px, py, closed, n, v): the first few by walking the segments, passing
+  // over those whose rough box the sight segment misses; later ones through a tree of the boxes.
   bool sightBlocked(int k, double px, double py) {
-    if (!indexed_)
-      buildIndex();
     const double kx = v_[k][0];
     const double ky = v_[k][1];
     const double len = std::sqrt(square(px - kx) + square(py - ky));
@@ -278,17 +379,48 @@ class PolylineSegments {
     const double pad = 8.0 * std::fabs(eps_) * (1.0 + len) + 1e-12 * (1.0 + size + len);
     if (!std::isfinite(pad))
       return plainSightBlocked(k, px, py);
-    return index_.visitAlongSegment(kx, ky, px, py, pad, [&](int s) {
+    const auto crosses = [&](int s) {
       return !touchesRow(s, k, n_) && sightCrosses(eps_, kx, ky, px, py, segment(s));
-    });
+    };
+    if (++queries_ <= kWalkedQueries) {
+      const SightSegment sight(kx, ky, px, py, pad);
+      const int segments = closed_ ? n_ : n_ - 1;
+      for (int s = 0; s < segments; ++s) {
+        if (sight.mayMeet(roughBox(s)) && crosses(s))
+          return true;
+      }
+      return false;
+    }
+    if (!indexed_)
+      buildIndex();
+    return index_.visitAlongSegment(kx, ky, px, py, pad, crosses);
   }
 
  private:
+  // Sight tests walked before the tree is worth building.
+  static constexpr int kWalkedQueries = 2;
+
+  // A box that holds segment s and every point its intersection tests can accept, from its rows
+  // alone: an arc lies within the chord's box grown by its sagitta (|b| L / 2) when it is at most
+  // a half circle, and within L |b| of it otherwise.
+  SegmentBox roughBox(int s) const {
+    const double* a = v_[s];
+    const double* b = v_[(s + 1) % n_];
+    const double chord = std::sqrt(square(b[0] - a[0]) + square(b[1] - a[1]));
+    const double bulge = std::fabs(a[2]);
+    const double bow = withinOpen(a[2], eps_) ? 0.0 : chord * (0.5 + bulge);
+    const SegmentBox box = paddedSegmentBox(eps_, a[0], a[1], b[0], b[1], false, 0, 0, 0, 0, 0);
+    // The tolerance margin of an arc's own tests reaches eps R, with R <= bow here or the arc's
+    // chord/2/sin(angle/2); growing by 8 eps bow more covers it.
+    const double grow = bow * (1.0 + 8.0 * std::fabs(eps_));
+    return {box.xmin - grow, box.ymin - grow, box.xmax + grow, box.ymax + grow};
+  }
+
   void buildIndex() {
     const int segments = closed_ ? n_ : n_ - 1;
     std::vector<SegmentBox> boxes(n_, SegmentBox::empty());
     for (int s = 0; s < segments; ++s)
-      boxes[s] = boxOf(eps_, segment(s));
+      boxes[s] = roughBox(s);
     index_.build(boxes);
     indexed_ = true;
   }
@@ -307,44 +439,119 @@ class PolylineSegments {
   int closed_;
   int n_;
   double (*v_)[5];
-  std::vector<Segment> segments_;
+  std::unique_ptr<Segment[]> segments_;
   std::vector<char> ready_;
   SegmentIndex index_;
   bool indexed_ = false;
+  int queries_ = 0;
 };
 
-// PLineDist for n >= 2, other than a single open segment. `fast` prunes runs that cannot win and
-// uses the segment cache and tree; it allocates. The plain scan allocates nothing.
-int plineDistRuns(double eps, int closed, int n, double (*const v)[5], double* const p,
-                  double* dist, bool fast) {
+// The runs of PLineDist (three consecutive rows, each asked for VertexDist and checked for the
+// sight of its middle row) over one polyline and one point. PLineDist answers with the eligible
+// run (VertexDist succeeds, the middle row is visible) of smallest (|d|, run index): the run it
+// keeps when it walks them in order, taking only strictly smaller distances. That answer does
+// not depend on the order the runs are tried in, so they are tried nearest first and any run
+// that cannot beat the best so far is passed over cheaply.
+class DistanceRuns {
+ public:
+  DistanceRuns(double eps, int closed, int n, double (*const v)[5], double* const p)
+      : eps_(eps),
+        closed_(closed),
+        n_(n),
+        v_(v),
+        p_(p),
+        segments_(eps, closed, n, v),
+        runs_(closed ? n : n - 2) {
+    // The run whose middle row lies nearest the point comes first, with its neighbours.
+    double nearest = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < runs_; ++i) {
+      const double* m = v[(i + 1) % n];
+      const double d2 = square(m[0] - p[0]) + square(m[1] - p[1]);
+      if (d2 < nearest) {
+        nearest = d2;
+        seed_ = i;
+      }
+    }
+  }
+
+  PolylineSegments& segments() { return segments_; }
+
+  // The eligible run of smallest (|d|, run) that beats (bound, boundRun), or with firstOnly any
+  // eligible run that beats it. False when there is none.
+  bool smallest(double bound, int boundRun, bool firstOnly, double* dist, int* run) {
+    double best = bound;
+    int bestRun = boundRun;
+    bool found = false;
+    const int window = runs_ < 2 * kSeedWindow + 1 ? runs_ : 2 * kSeedWindow + 1;
+    const int first = runs_ <= window ? 0 : (seed_ - kSeedWindow + runs_) % runs_;
+    // The window round the seed, then every other run.
+    for (int k = 0; k < runs_; ++k) {
+      const int i = k < window ? (first + k) % runs_ : nthOutsideWindow(first, window, k - window);
+      double d;
+      if (tryRun(i, best, bestRun, &d)) {
+        best = std::fabs(d);
+        bestRun = i;
+        *dist = d;
+        *run = i;
+        found = true;
+        if (firstOnly)
+          return true;
+      }
+    }
+    return found;
+  }
+
+ private:
+  static constexpr int kSeedWindow = 4;
+
+  // The k-th run (0-based) after the window of `window` runs starting at `first`, wrapping.
+  int nthOutsideWindow(int first, int window, int k) const { return (first + window + k) % runs_; }
+
+  // Does run i beat (best, bestRun)? Its distance goes to *d.
+  bool tryRun(int i, double best, int bestRun, double* d) {
+    const int b = (i + 1) % n_;
+    const Segment& s1 = segments_.segment(i);
+    const Segment& s2 = segments_.segment(b);
+    const Candidates cand = candidatesOf(eps_, p_, s1, s2);
+    // Equal distances go to the earlier run.
+    const bool tieWins = i < bestRun;
+    if (!vertexDistBeating(eps_, p_, s1, s2, cand, best, tieWins, d))
+      return false;
+    const double ad = std::fabs(*d);
+    if (!(ad < best || (tieWins && ad == best)))
+      return false;
+    return !segments_.sightBlocked(b, p_[0], p_[1]);
+  }
+
+  double eps_;
+  int closed_;
+  int n_;
+  double (*v_)[5];
+  double* p_;
+  PolylineSegments segments_;
+  int runs_;
+  int seed_ = 0;
+};
+
+// PLineDist for n >= 2, other than a single open segment, without allocating: every run in
+// order, as the definition reads.
+int plineDistPlain(double eps, int closed, int n, double (*const v)[5], double* const p,
+                   double* dist) {
   const int runs = closed ? n : n - 2;
   double best = std::numeric_limits<double>::infinity();
   double result = 0.0;
   bool found = false;
-  std::unique_ptr<PolylineSegments> cache;
-  if (fast)
-    cache = std::make_unique<PolylineSegments>(eps, closed, n, v);
   for (int i = 0; i < runs; ++i) {
     const int a = i;
     const int b = (i + 1) % n;
     const int c = (i + 2) % n;
     double d = 0.0;
-    if (fast) {
-      const Segment& s1 = cache->segment(a);
-      const Segment& s2 = cache->segment(b);
-      const Candidates cand = candidatesOf(eps, p, s1, s2);
-      if (!vertexDistBelow(eps, p, s1, s2, cand, best, &d) || !(std::fabs(d) < best))
-        continue;
-      if (cache->sightBlocked(b, p[0], p[1]))
-        continue;
-    } else {
-      if (!VertexDist(eps, p, v[a][0], v[a][1], v[a][2], v[b][0], v[b][1], v[b][2], v[c][0],
-                      v[c][1], &d) ||
-          !(std::fabs(d) < best))
-        continue;
-      if (IntersPLine(eps, b, p[0], p[1], closed, n, v))
-        continue;
-    }
+    if (!VertexDist(eps, p, v[a][0], v[a][1], v[a][2], v[b][0], v[b][1], v[b][2], v[c][0], v[c][1],
+                    &d) ||
+        !(std::fabs(d) < best))
+      continue;
+    if (IntersPLine(eps, b, p[0], p[1], closed, n, v))
+      continue;
     best = std::fabs(d);
     result = d;
     found = true;
@@ -386,7 +593,7 @@ class ScanState {
         rows_(rows),
         next_(n),
         prev_(n),
-        segments_(n),
+        segments_(new Segment[n > 0 ? n : 1]),
         ready_(n, 0),
         last_(n - 1) {
     for (int i = 0; i < n; ++i) {
@@ -432,8 +639,9 @@ class ScanState {
   // Cuts out the loop between segment j and segment i at X: the rows after j up to i go, row i's
   // slot becomes X with the tail piece of segment i, row j keeps the head piece of segment j.
   void cut(int j, int i, double x, double y, double headJ, double tailI) {
-    for (int id = next_[j]; id != i; id = next_[id])
-      index_.remove(id);
+    // The ids inside the loop lie between j and i.
+    if (next_[j] != i)
+      index_.removeRange(next_[j], prev_[i]);
     rows_[i][0] = x;
     rows_[i][1] = y;
     rows_[i][2] = tailI;
@@ -449,10 +657,77 @@ class ScanState {
   int closed_;
   double (*rows_)[5];
   std::vector<int> next_, prev_;
-  std::vector<Segment> segments_;
+  std::unique_ptr<Segment[]> segments_;
   std::vector<char> ready_;
   int last_;
   SegmentIndex index_;
+};
+
+// PLineDist of a single open segment: the perpendicular distance of a line, the radial distance
+// of an arc; false for a line shorter than eps or an arc PL_ArcParam rejects.
+bool singleSegmentDistance(double eps, double (*const v)[5], const double* p, double* d) {
+  const Segment s = segmentOf(eps, v[0], v[1]);
+  if (!withinOpen(s.bulge, eps) && !s.isArc)
+    return false;
+  return carrierDistance(eps, p, s, d);
+}
+
+// A polyline's PLineDist from the picked point, worked out only as far as the comparisons of the
+// loop scan need it: whether it is below some bound, and its magnitude only when asked.
+class LazyDistance {
+ public:
+  LazyDistance(double eps, int closed, int n, double (*const v)[5], double* const p) {
+    if (n < 2)
+      return;
+    if (n == 2 && !closed) {
+      single_ = true;
+      singleOk_ = singleSegmentDistance(eps, v, p, &value_);
+      return;
+    }
+    runs_ = std::make_unique<DistanceRuns>(eps, closed, n, v, p);
+    count_ = n;
+  }
+
+  // The segment cache of the runs (none for fewer than three rows open).
+  PolylineSegments* segments() { return runs_ ? &runs_->segments() : nullptr; }
+
+  // PLineDist succeeds with |s| < bound.
+  bool below(double bound) {
+    if (single_)
+      return singleOk_ && std::fabs(value_) < bound;
+    if (!runs_)
+      return false;
+    if (known_)
+      return ok_ && std::fabs(value_) < bound;
+    double d;
+    int run;
+    return runs_->smallest(bound, -1, true, &d, &run);
+  }
+
+  // |s|, for a distance known to succeed.
+  double magnitude() {
+    if (!single_ && !known_ && runs_) {
+      int run;
+      ok_ = runs_->smallest(std::numeric_limits<double>::infinity(), count_, false, &value_, &run);
+      known_ = true;
+    }
+    return std::fabs(value_);
+  }
+
+ private:
+  bool single_ = false;
+  bool singleOk_ = false;
+  bool known_ = false;
+  bool ok_ = false;
+  double value_ = 0.0;
+  int count_ = 0;
+  std::unique_ptr<DistanceRuns> runs_;
+};
+
+// A loop cut out of the polyline, with its distance from the picked point.
+struct CutLoop {
+  std::unique_ptr<RowArray> rows;
+  std::unique_ptr<LazyDistance> distance;
 };
 
 int trimLoops(double eps, double* const pick, int* closed, int n, double (*const v)[5]) {
@@ -461,8 +736,7 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
   const int m = TrimLoop0(eps, *closed, n, work.get());
   ScanState scan(eps, *closed, m, work.get());
 
-  std::unique_ptr<RowArray> saved;
-  double best = 1e100;
+  CutLoop saved;
   int i = m >= 2 ? scan.next(0) : -1;
   while (i != -1 && scan.hasSegment(i)) {
     double x, y;
@@ -500,19 +774,25 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
     }
     (*loop)[count - 1][2] = headI;
 
-    double s = 0.0;
-    if (PLineDist(eps, *closed, count, loop->get(), pick, &s)) {
-      if (withinOpen(s, eps)) {
-        // The picked point lies on this loop: it is the result.
-        copyRows(v, loop->get(), count);
-        *closed = 1;
-        return count;
-      }
-      // An equal later loop does not replace the saved one.
-      if (std::fabs(s) < best) {
-        best = std::fabs(s);
-        saved = std::move(loop);
-      }
+    // Measured with PLineDist: a loop the picked point lies on (|s| < eps) is the result; one
+    // strictly nearer than the saved loop replaces it; an equal or farther one, or one without a
+    // distance, is dropped. Only as much of the distance is worked out as these need.
+    auto distance = std::make_unique<LazyDistance>(eps, *closed, count, loop->get(), pick);
+    if (PolylineSegments* known = distance->segments()) {
+      // The loop's segments between rows j+1 .. i are the scan's own.
+      int k = 1;
+      for (int id = scan.next(j); id != i; id = scan.next(id))
+        known->adopt(k++, scan.segment(id));
+    }
+    if (distance->below(eps)) {
+      copyRows(v, loop->get(), count);
+      *closed = 1;
+      return count;
+    }
+    const double best = saved.rows ? saved.distance->magnitude() : 1e100;
+    if (distance->below(best)) {
+      saved.rows = std::move(loop);
+      saved.distance = std::move(distance);
     }
 
     scan.cut(j, i, x, y, headJ, tailI);
@@ -527,13 +807,15 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
     for (int id = 0; id != -1; id = scan.next(id))
       std::memcpy(rest[r++], scan.row(id), sizeof(double[5]));
   }
-  if (saved) {
+  if (saved.rows) {
+    // The remaining polyline wins ties: the saved loop is kept only when strictly nearer.
     double s = 0.0;
-    const bool restWins = PLineDist(eps, *closed, r, rest.get(), pick, &s) && std::fabs(s) <= best;
+    const bool restWins =
+        PLineDist(eps, *closed, r, rest.get(), pick, &s) && !saved.distance->below(std::fabs(s));
     if (!restWins) {
-      copyRows(v, saved->get(), saved->size());
+      copyRows(v, saved.rows->get(), saved.rows->size());
       *closed = 1;
-      return TrimLoop0(eps, 1, saved->size(), v);
+      return TrimLoop0(eps, 1, saved.rows->size(), v);
     }
   }
   copyRows(v, rest.get(), r);
@@ -584,20 +866,22 @@ int PLineDist(double eps, int closed, int n, double (*const v)[5], double* const
   if (n < 2 || !v || !p || !dist)
     return 0;
   if (n == 2 && !closed) {
-    // A single segment.
-    const Segment s = segmentOf(eps, v[0], v[1]);
-    if (!withinOpen(s.bulge, eps) && !s.isArc)
-      return 0;
     double d;
-    if (!carrierDistance(eps, p, s, &d))
+    if (!singleSegmentDistance(eps, v, p, &d))
       return 0;
     *dist = d;
     return 1;
   }
   try {
-    return plineDistRuns(eps, closed, n, v, p, dist, true);
+    DistanceRuns runs(eps, closed, n, v, p);
+    double d;
+    int run;
+    if (!runs.smallest(std::numeric_limits<double>::infinity(), n, false, &d, &run))
+      return 0;
+    *dist = d;
+    return 1;
   } catch (const std::bad_alloc&) {
-    return plineDistRuns(eps, closed, n, v, p, dist, false);
+    return plineDistPlain(eps, closed, n, v, p, dist);
   }
 }
 
