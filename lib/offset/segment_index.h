@@ -47,8 +47,9 @@ class SightSegment {
 /// grow, so a stored box may only be larger than its segment, never smaller.
 class SegmentIndex {
  public:
-  /// Builds the tree over boxes[0 .. count-1] in O(count).
-  void build(const std::vector<SegmentBox>& boxes);
+  /// Builds the tree over the boxes boxOf(0) .. boxOf(count - 1) in O(count).
+  template <class BoxOf>
+  void build(int count, BoxOf&& boxOf);
 
   /// Leaves id out of every later query.
   void remove(int id);
@@ -69,10 +70,32 @@ class SegmentIndex {
                          Visit&& visit) const;
 
  private:
+  // Boxes are kept in single precision, rounded outwards, which halves the tree's memory.
+  struct Node {
+    float xmin, ymin, xmax, ymax;
+
+    bool overlaps(const SegmentBox& q) const {
+      return xmin <= q.xmax && q.xmin <= xmax && ymin <= q.ymax && q.ymin <= ymax;
+    }
+    operator SegmentBox() const { return {xmin, ymin, xmax, ymax}; }
+  };
+  static Node nodeOf(const SegmentBox& b);
+  static Node unite(const Node& a, const Node& b);
+  void allocate(int count);
+  void refitAbove(int lo, int hi);
+
   int leaves_ = 0;  // a power of two, at least 1
   int count_ = 0;
-  std::vector<SegmentBox> nodes_;  // 1-based heap: node k has children 2k and 2k + 1
+  std::vector<Node> nodes_;  // 1-based heap: node k has children 2k and 2k + 1
 };
+
+template <class BoxOf>
+void SegmentIndex::build(int count, BoxOf&& boxOf) {
+  allocate(count);
+  for (int i = 0; i < count; ++i)
+    nodes_[leaves_ + i] = nodeOf(boxOf(i));
+  refitAbove(leaves_, 2 * leaves_ - 1);
+}
 
 template <class Visit>
 bool SegmentIndex::visitBelowDescending(int limit, const SegmentBox& query, Visit&& visit) const {
@@ -119,7 +142,7 @@ bool SegmentIndex::visitAlongSegment(double x1, double y1, double x2, double y2,
   stack[top++] = 1;
   while (top > 0) {
     const int node = stack[--top];
-    if (!sight.mayMeet(nodes_[node]))
+    if (!sight.mayMeet(static_cast<SegmentBox>(nodes_[node])))
       continue;
     if (node >= leaves_) {
       if (visit(node - leaves_))

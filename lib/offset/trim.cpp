@@ -68,6 +68,53 @@ Segment segmentOf(double eps, const double* from, const double* to) {
   return segmentOf(eps, from[0], from[1], from[2], to[0], to[1]);
 }
 
+// The circles of a polyline's arc segments, each worked out once (PL_ArcParam is the costly part
+// of a segment); ends and bulge are read from the rows each time.
+class SegmentCache {
+ public:
+  explicit SegmentCache(int n)
+      : arcs_(new Arc[n > 0 ? n : 1]), state_(new unsigned char[n > 0 ? n : 1]()) {}
+
+  Segment get(double eps, int id, const double* from, const double* to) {
+    Segment s{from[0], from[1], to[0], to[1], from[2], false, 0.0, 0.0, 0.0, 0.0, 0.0};
+    unsigned char& state = state_[id];
+    if (state == kUnknown) {
+      Arc& a = arcs_[id];
+      state = !withinOpen(s.bulge, eps) && PL_ArcParam(eps, s.x1, s.y1, s.x2, s.y2, s.bulge, &a.cx,
+                                                       &a.cy, &a.r, &a.sa, &a.ea)
+                  ? kArc
+                  : kStraight;
+    }
+    if (state == kArc) {
+      const Arc& a = arcs_[id];
+      s.isArc = true;
+      s.cx = a.cx;
+      s.cy = a.cy;
+      s.r = a.r;
+      s.sa = a.sa;
+      s.ea = a.ea;
+    }
+    return s;
+  }
+
+  // The rows of segment id changed.
+  void forget(int id) { state_[id] = kUnknown; }
+
+  // Takes segment id as worked out from the same rows elsewhere.
+  void adopt(int id, const Segment& s) {
+    state_[id] = s.isArc ? kArc : kStraight;
+    arcs_[id] = {s.cx, s.cy, s.r, s.sa, s.ea};
+  }
+
+ private:
+  struct Arc {
+    double cx, cy, r, sa, ea;
+  };
+  static constexpr unsigned char kUnknown = 0, kStraight = 1, kArc = 2;
+  std::unique_ptr<Arc[]> arcs_;
+  std::unique_ptr<unsigned char[]> state_;
+};
+
 SegmentBox boxOf(double eps, const Segment& s) {
   return paddedSegmentBox(eps, s.x1, s.y1, s.x2, s.y2, s.isArc, s.cx, s.cy, s.r, s.sa, s.ea);
 }
@@ -127,6 +174,41 @@ bool touchesRow(int s, int k, int n) {
   return s == k || s == k - 1 || (k == 0 && s == n - 1);
 }
 
+// A line and an arc that share a row always meet there; a loop needs their second point, the
+// other place where the line's carrier crosses the circle, to lie within the line and on the
+// arc. True when it plainly does not (with margins far wider than the round-off between this
+// and DArcLInts' own arithmetic), so DArcLInts need not be asked.
+bool secondCrossingMisses(double eps, const Segment& line, const Segment& arc) {
+  const double dx = line.x2 - line.x1;
+  const double dy = line.y2 - line.y1;
+  const double len = std::sqrt(dx * dx + dy * dy);
+  if (!(len > 0.0))
+    return false;
+  const double ux = dx / len;
+  const double uy = dy / len;
+  // Along the line from its start: the foot of the centre at p0, the crossings at p0 -+ h.
+  const double p0 = (arc.cx - line.x1) * ux + (arc.cy - line.y1) * uy;
+  const double fx = line.x1 + p0 * ux - arc.cx;
+  const double fy = line.y1 + p0 * uy - arc.cy;
+  const double h2 = arc.r * arc.r - (fx * fx + fy * fy);
+  if (!(h2 > 0.0))
+    return false;
+  const double h = std::sqrt(h2);
+  // The shared row is the line's end when the arc follows it, its start otherwise.
+  const bool sharedAtEnd = line.x2 == arc.x1 && line.y2 == arc.y1;
+  const double shared = sharedAtEnd ? len : 0.0;
+  const double p = std::fabs(p0 - h - shared) > std::fabs(p0 + h - shared) ? p0 - h : p0 + h;
+  const double scale = len + arc.r + std::fabs(line.x1) + std::fabs(line.y1);
+  const double margin = 4.0 * eps + 1e-7 * scale;
+  if (p < -eps - margin || p > len + eps + margin)
+    return true;
+  // On the arc: its angle within the arc's sweep, eps (an angle here) and a margin beyond.
+  double alpha = std::atan2(line.y1 + p * uy - arc.cy, line.x1 + p * ux - arc.cx);
+  const double mid = (arc.sa + arc.ea) / 2.0;
+  bringAngleIntoRange(alpha, mid - kPi, mid + kPi, 0.0);
+  return std::fabs(alpha - mid) > (arc.ea - arc.sa) / 2.0 + eps + 1e-7 + margin / arc.r;
+}
+
 // Where segment i (later) crosses segment j (earlier) in the loop scan, if it does.
 bool loopCrossing(double eps, const Segment& si, const Segment& sj, bool adjacent, double* x,
                   double* y) {
@@ -144,6 +226,8 @@ bool loopCrossing(double eps, const Segment& si, const Segment& sj, bool adjacen
   if (si.isArc != sj.isArc) {
     const Segment& line = si.isArc ? sj : si;
     const Segment& arc = si.isArc ? si : sj;
+    if (adjacent && secondCrossingMisses(eps, line, arc))
+      return false;
     int flag = 0;
     const int m = DArcLInts(eps, line.x1, line.y1, line.x2, line.y2, arc.cx, arc.cy, arc.r, arc.sa,
                             arc.ea, &xa, &ya, &xb, &yb, &flag);
@@ -352,21 +436,12 @@ bool vertexDistBeating(double eps, double* p, const Segment& s1, const Segment& 
 class PolylineSegments {
  public:
   PolylineSegments(double eps, int closed, int n, double (*const v)[5])
-      : eps_(eps), closed_(closed), n_(n), v_(v), segments_(new Segment[n]), ready_(n, 0) {}
+      : eps_(eps), closed_(closed), n_(n), v_(v), cache_(n) {}
 
-  const Segment& segment(int s) {
-    if (!ready_[s]) {
-      segments_[s] = segmentOf(eps_, v_[s], v_[(s + 1) % n_]);
-      ready_[s] = 1;
-    }
-    return segments_[s];
-  }
+  Segment segment(int s) { return cache_.get(eps_, s, v_[s], v_[(s + 1) % n_]); }
 
   // Takes segment s as already worked out from the same rows elsewhere.
-  void adopt(int s, const Segment& segment) {
-    segments_[s] = segment;
-    ready_[s] = 1;
-  }
+  void adopt(int s, const Segment& segment) { cache_.adopt(s, segment); }
 
   // IntersPLine(eps, k, px, py, closed, n, v): the first few by walking the segments, passing
   // over those whose rough box the sight segment misses; later ones through a tree of the boxes.
@@ -418,10 +493,7 @@ class PolylineSegments {
 
   void buildIndex() {
     const int segments = closed_ ? n_ : n_ - 1;
-    std::vector<SegmentBox> boxes(n_, SegmentBox::empty());
-    for (int s = 0; s < segments; ++s)
-      boxes[s] = roughBox(s);
-    index_.build(boxes);
+    index_.build(n_, [&](int s) { return s < segments ? roughBox(s) : SegmentBox::empty(); });
     indexed_ = true;
   }
 
@@ -439,8 +511,7 @@ class PolylineSegments {
   int closed_;
   int n_;
   double (*v_)[5];
-  std::unique_ptr<Segment[]> segments_;
-  std::vector<char> ready_;
+  SegmentCache cache_;
   SegmentIndex index_;
   bool indexed_ = false;
   int queries_ = 0;
@@ -510,8 +581,8 @@ class DistanceRuns {
   // Does run i beat (best, bestRun)? Its distance goes to *d.
   bool tryRun(int i, double best, int bestRun, double* d) {
     const int b = (i + 1) % n_;
-    const Segment& s1 = segments_.segment(i);
-    const Segment& s2 = segments_.segment(b);
+    const Segment s1 = segments_.segment(i);
+    const Segment s2 = segments_.segment(b);
     const Candidates cand = candidatesOf(eps_, p_, s1, s2);
     // Equal distances go to the earlier run.
     const bool tieWins = i < bestRun;
@@ -588,24 +659,13 @@ void copyRows(double (*dst)[5], double (*const src)[5], int n) {
 class ScanState {
  public:
   ScanState(double eps, int closed, int n, double (*const rows)[5])
-      : eps_(eps),
-        closed_(closed),
-        rows_(rows),
-        next_(n),
-        prev_(n),
-        segments_(new Segment[n > 0 ? n : 1]),
-        ready_(n, 0),
-        last_(n - 1) {
+      : eps_(eps), closed_(closed), rows_(rows), next_(n), prev_(n), cache_(n), last_(n - 1) {
     for (int i = 0; i < n; ++i) {
       next_[i] = i + 1 < n ? i + 1 : -1;
       prev_[i] = i - 1;
     }
-    std::vector<SegmentBox> boxes(n, SegmentBox::empty());
-    for (int i = 0; i < n; ++i) {
-      if (hasSegment(i))
-        boxes[i] = boxOf(eps_, segment(i));
-    }
-    index_.build(boxes);
+    index_.build(
+        n, [&](int i) { return hasSegment(i) ? boxOf(eps_, segment(i)) : SegmentBox::empty(); });
   }
 
   bool hasSegment(int id) const { return next_[id] != -1 || (closed_ && id == last_); }
@@ -613,13 +673,8 @@ class ScanState {
   int prev(int id) const { return prev_[id]; }
   double* row(int id) { return rows_[id]; }
 
-  const Segment& segment(int id) {
-    if (!ready_[id]) {
-      const int to = next_[id] != -1 ? next_[id] : 0;
-      segments_[id] = segmentOf(eps_, rows_[id], rows_[to]);
-      ready_[id] = 1;
-    }
-    return segments_[id];
+  Segment segment(int id) {
+    return cache_.get(eps_, id, rows_[id], rows_[next_[id] != -1 ? next_[id] : 0]);
   }
 
   // The latest earlier segment that segment `id` crosses, nearest first, and the point.
@@ -648,8 +703,8 @@ class ScanState {
     rows_[j][2] = headJ;
     next_[j] = i;
     prev_[i] = j;
-    ready_[i] = 0;
-    ready_[j] = 0;
+    cache_.forget(i);
+    cache_.forget(j);
   }
 
  private:
@@ -657,8 +712,7 @@ class ScanState {
   int closed_;
   double (*rows_)[5];
   std::vector<int> next_, prev_;
-  std::unique_ptr<Segment[]> segments_;
-  std::vector<char> ready_;
+  SegmentCache cache_;
   int last_;
   SegmentIndex index_;
 };
@@ -800,25 +854,27 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
     i = j >= 1 ? i : scan.next(i);
   }
 
-  // The remaining polyline, in order.
-  RowArray rest(m);
+  // The remaining polyline, in order: ids only grow along it, so it packs down in place.
+  double(*const rest)[5] = work.get();
   int r = 0;
   if (m >= 1) {
-    for (int id = 0; id != -1; id = scan.next(id))
-      std::memcpy(rest[r++], scan.row(id), sizeof(double[5]));
+    for (int id = 0; id != -1; id = scan.next(id), ++r) {
+      if (id != r)
+        std::memcpy(rest[r], rest[id], sizeof(double[5]));
+    }
   }
   if (saved.rows) {
     // The remaining polyline wins ties: the saved loop is kept only when strictly nearer.
     double s = 0.0;
     const bool restWins =
-        PLineDist(eps, *closed, r, rest.get(), pick, &s) && !saved.distance->below(std::fabs(s));
+        PLineDist(eps, *closed, r, rest, pick, &s) && !saved.distance->below(std::fabs(s));
     if (!restWins) {
       copyRows(v, saved.rows->get(), saved.rows->size());
       *closed = 1;
       return TrimLoop0(eps, 1, saved.rows->size(), v);
     }
   }
-  copyRows(v, rest.get(), r);
+  copyRows(v, rest, r);
   return TrimLoop0(eps, *closed, r, v);
 }
 
