@@ -676,9 +676,11 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
   const long long capacity = 2LL * n;
   const long long maxSteps = kStepsPerRow * n + kStepAllowance;
 
-  n = TrimLoopS(eps, pick, closed, n, v);
-  double s = 0.0;
-  if (!PLineDist(eps, *closed, n, v, pick, &s))
+  // Trimming the input measures the picked point's distance from it too, as a rule.
+  TrimMeasure measure;
+  n = trimLoopsAndMeasure(eps, pick, closed, n, v, &measure);
+  double s = measure.dist;
+  if (measure.known ? !measure.ok : !PLineDist(eps, *closed, n, v, pick, &s))
     return 0;
   // The picked point lies on the polyline: no side to offset to.
   if (withinOpen(s, eps) || std::isnan(s))

@@ -758,6 +758,12 @@ class LazyDistance {
     return runs_->smallest(bound, -1, true, &d, &run);
   }
 
+  // s itself, for a distance known to succeed.
+  double value() {
+    magnitude();
+    return value_;
+  }
+
   // |s|, for a distance known to succeed.
   double magnitude() {
     if (!single_ && !known_ && runs_) {
@@ -784,7 +790,11 @@ struct CutLoop {
   std::unique_ptr<LazyDistance> distance;
 };
 
-int trimLoops(double eps, double* const pick, int* closed, int n, double (*const v)[5]) {
+// TrimLoopS; when the PLineDist of the rows it returns (with the flag it returns) was worked out
+// on the way, or nearly, it is reported through *measure (when measure is not null).
+int trimLoops(double eps, double* const pick, int* closed, int n, double (*const v)[5],
+              tarnsysm::detail::TrimMeasure* measure) {
+  const bool wasClosed = *closed == 1;
   RowArray work(n);
   copyRows(work.get(), v, n);
   const int m = TrimLoop0(eps, *closed, n, work.get());
@@ -841,6 +851,8 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
     if (distance->below(eps)) {
       copyRows(v, loop->get(), count);
       *closed = 1;
+      if (measure && wasClosed)
+        *measure = {true, true, 0.0};  // on the loop: |s| < eps
       return count;
     }
     const double best = saved.rows ? saved.distance->magnitude() : 1e100;
@@ -868,17 +880,44 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
     double s = 0.0;
     const bool restWins =
         PLineDist(eps, *closed, r, rest, pick, &s) && !saved.distance->below(std::fabs(s));
-    if (!restWins) {
-      copyRows(v, saved.rows->get(), saved.rows->size());
+    if (restWins)
+      copyRows(v, rest, r);
+    else {
+      const int count = saved.rows->size();
+      copyRows(v, saved.rows->get(), count);
       *closed = 1;
-      return TrimLoop0(eps, 1, saved.rows->size(), v);
+      const int kept = TrimLoop0(eps, 1, count, v);
+      if (measure && wasClosed && kept == count)
+        *measure = {true, true, saved.distance->value()};
+      return kept;
     }
+    const int kept = TrimLoop0(eps, *closed, r, v);
+    if (measure && kept == r)
+      *measure = {true, true, s};
+    return kept;
   }
   copyRows(v, rest, r);
   return TrimLoop0(eps, *closed, r, v);
 }
 
 }  // namespace
+
+namespace tarnsysm::detail {
+
+int trimLoopsAndMeasure(double eps, double* const pick, int* closed, int n, double (*const v)[5],
+                        TrimMeasure* measure) {
+  *measure = TrimMeasure{};
+  if (n <= 0)
+    return 0;
+  try {
+    return trimLoops(eps, pick, closed, n, v, measure);
+  } catch (const std::bad_alloc&) {
+    *measure = TrimMeasure{};
+    return n;
+  }
+}
+
+}  // namespace tarnsysm::detail
 
 // ---- Exported --------------------------------------------------------------------------------
 
@@ -912,7 +951,7 @@ int TrimLoopS(double eps, double* const pick, int* closed, int n, double (*const
   if (!pick || !closed || !v)
     return n;
   try {
-    return trimLoops(eps, pick, closed, n, v);
+    return trimLoops(eps, pick, closed, n, v, nullptr);
   } catch (const std::bad_alloc&) {
     return n;
   }
