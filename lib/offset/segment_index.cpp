@@ -2,8 +2,6 @@
 // Bounding-box tree over polyline segments: padded segment boxes, build, removal, side tests.
 #include "offset/segment_index.h"
 
-#include "arcs/arcs.h"
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -13,38 +11,6 @@ namespace tarnsysm::detail {
 SegmentBox SegmentBox::empty() {
   const double inf = std::numeric_limits<double>::infinity();
   return {inf, inf, -inf, -inf};
-}
-
-SegmentBox paddedSegmentBox(double eps, double x1, double y1, double x2, double y2, bool isArc,
-                            double cx, double cy, double r, double sa, double ea) {
-  SegmentBox box{x1 < x2 ? x1 : x2, y1 < y2 ? y1 : y2, x1 < x2 ? x2 : x1, y1 < y2 ? y2 : y1};
-  double radius = 0.0;
-  if (isArc) {
-    double centre[2] = {cx, cy};
-    double xmin, ymin, xmax, ymax;
-    get_arc_box(eps, centre, r, sa, ea, &xmin, &ymin, &xmax, &ymax);
-    box.xmin = std::min(box.xmin, xmin);
-    box.ymin = std::min(box.ymin, ymin);
-    box.xmax = std::max(box.xmax, xmax);
-    box.ymax = std::max(box.ymax, ymax);
-    radius = std::fabs(r);
-  }
-  const double chord = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
-  const double size = std::max(std::max(-box.xmin, box.xmax), std::max(-box.ymin, box.ymax));
-  // Tolerances reach eps*L along a line, eps*R along an arc and eps across either; a few times
-  // that, plus a relative margin for round-off in near-parallel cases, keeps the box a superset
-  // of everything the intersection routines can accept. A larger box only costs a test.
-  const double pad = 8.0 * std::fabs(eps) * (1.0 + chord + radius) +
-                     1e-12 * (1.0 + std::fabs(size) + chord + radius);
-  box.xmin -= pad;
-  box.ymin -= pad;
-  box.xmax += pad;
-  box.ymax += pad;
-  // Not finite (NaN or infinite rows, or an overflowing margin): left out of the index.
-  if (!(box.xmax - box.xmin < std::numeric_limits<double>::infinity()) ||
-      !(box.ymax - box.ymin < std::numeric_limits<double>::infinity()))
-    return SegmentBox::empty();
-  return box;
 }
 
 SegmentIndex::Node SegmentIndex::nodeOf(const SegmentBox& b) {

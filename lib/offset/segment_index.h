@@ -18,15 +18,6 @@ struct SegmentBox {
   }
 };
 
-/// The box of the segment from (x1, y1) to (x2, y2) with the given bulge, grown by a margin that
-/// covers every tolerance the intersection routines apply to it: eps as a parameter tolerance
-/// along a line (eps*L), as an angular tolerance on an arc (eps*R), as a length, plus round-off
-/// of the coordinates. (cx, cy, r, sa, ea) is the arc as PL_ArcParam gives it when isArc is set;
-/// the arc's own box comes from get_arc_box, joined with both end points. A segment with a
-/// coordinate or margin that is not finite gets the empty box: it is left out of the index.
-SegmentBox paddedSegmentBox(double eps, double x1, double y1, double x2, double y2, bool isArc,
-                            double cx, double cy, double r, double sa, double ea);
-
 /// A straight segment grown by a margin, for quick tests against boxes: its own box, then the
 /// side of its line.
 class SightSegment {

@@ -68,6 +68,92 @@ Segment segmentOf(double eps, const double* from, const double* to) {
   return segmentOf(eps, from[0], from[1], from[2], to[0], to[1]);
 }
 
+// A segment's shape worked out without trigonometry, from its chord and bulge: enough to bound
+// it and to rule a pair out, never to decide a crossing. An arc's centre lies off the chord's
+// midpoint by (L/2)(1 - b^2)/(2b) along the chord's left normal, its radius is L(1 + b^2)/(4|b|),
+// and it lies wholly on one side of its chord (the right for a positive bulge). Near the limits
+// where PL_ArcParam gives up (a chord of eps, |sin(angle/2)| = 2|b|/(1 + b^2) of eps) the kind is
+// left unsure and PL_ArcParam decides.
+struct RoughSegment {
+  enum Kind { straight, arc, unsure };
+  double x1, y1, x2, y2, bulge;
+  Kind kind;
+  double cx, cy, r;
+  double chord;
+};
+
+RoughSegment roughOf(double eps, const double* from, const double* to) {
+  RoughSegment s{from[0], from[1], to[0], to[1], from[2], RoughSegment::straight,
+                 0.0,     0.0,     0.0,   0.0};
+  const double dx = s.x2 - s.x1;
+  const double dy = s.y2 - s.y1;
+  s.chord = std::sqrt(dx * dx + dy * dy);
+  if (withinOpen(s.bulge, eps))
+    return s;
+  const double b = s.bulge;
+  const double halfSine = 2.0 * std::fabs(b) / (1.0 + b * b);
+  const double ae = std::fabs(eps);
+  if (!std::isfinite(s.chord) || !std::isfinite(halfSine) ||
+      (s.chord >= 0.5 * ae && s.chord <= 2.0 * ae) ||
+      (halfSine >= 0.5 * ae && halfSine <= 2.0 * ae)) {
+    s.kind = RoughSegment::unsure;
+    return s;
+  }
+  if (s.chord < eps || halfSine < eps)
+    return s;  // PL_ArcParam gives up: straight
+  s.kind = RoughSegment::arc;
+  const double k = (1.0 - b * b) / (4.0 * b);  // (1/2)(1 - b^2)/(2b), per unit of chord
+  s.cx = (s.x1 + s.x2) / 2.0 - dy * k;
+  s.cy = (s.y1 + s.y2) / 2.0 + dx * k;
+  s.r = s.chord * (1.0 + b * b) / (4.0 * std::fabs(b));
+  return s;
+}
+
+// Signed side of (x, y) from the segment's chord line, positive on the side an arc with this
+// bulge lies on (the right of travel for a positive bulge), as a distance.
+double sideOfChord(const RoughSegment& s, double x, double y) {
+  const double cross = (s.x2 - s.x1) * (y - s.y1) - (s.y2 - s.y1) * (x - s.x1);
+  const double left = cross / s.chord;
+  return s.bulge > 0.0 ? -left : left;
+}
+
+// A box holding the rough segment and everything its intersection tests can accept: the ends,
+// the arc's extreme points that lie on its side of the chord, and margins for eps (as a length,
+// and as a parameter and an angle: eps L, eps R) and for round-off.
+SegmentBox roughBoxOf(double eps, const RoughSegment& s) {
+  SegmentBox box{std::min(s.x1, s.x2), std::min(s.y1, s.y2), std::max(s.x1, s.x2),
+                 std::max(s.y1, s.y2)};
+  const double size = std::max(std::max(-box.xmin, box.xmax), std::max(-box.ymin, box.ymax));
+  double radius = 0.0;
+  if (s.kind == RoughSegment::arc) {
+    radius = s.r;
+    const double slack = 1e-9 * (1.0 + std::fabs(size) + s.r);
+    const double ex[4][2] = {
+        {s.cx + s.r, s.cy}, {s.cx - s.r, s.cy}, {s.cx, s.cy + s.r}, {s.cx, s.cy - s.r}};
+    for (const auto& e : ex) {
+      if (sideOfChord(s, e[0], e[1]) >= -slack) {
+        box.xmin = std::min(box.xmin, e[0]);
+        box.ymin = std::min(box.ymin, e[1]);
+        box.xmax = std::max(box.xmax, e[0]);
+        box.ymax = std::max(box.ymax, e[1]);
+      }
+    }
+  } else if (s.kind == RoughSegment::unsure) {
+    radius = s.chord * (std::fabs(s.bulge) + 0.5);  // no centre: the arc lies within L|b|
+  }
+  const double pad = 8.0 * std::fabs(eps) * (1.0 + s.chord + radius) +
+                     1e-9 * (1.0 + std::fabs(size) + s.chord + radius) +
+                     (s.kind == RoughSegment::unsure ? radius : 0.0);
+  box.xmin -= pad;
+  box.ymin -= pad;
+  box.xmax += pad;
+  box.ymax += pad;
+  if (!(box.xmax - box.xmin < std::numeric_limits<double>::infinity()) ||
+      !(box.ymax - box.ymin < std::numeric_limits<double>::infinity()))
+    return SegmentBox::empty();
+  return box;
+}
+
 // The circles of a polyline's arc segments, each worked out once (PL_ArcParam is the costly part
 // of a segment); ends and bulge are read from the rows each time.
 class SegmentCache {
@@ -100,6 +186,8 @@ class SegmentCache {
   // The rows of segment id changed.
   void forget(int id) { state_[id] = kUnknown; }
 
+  bool known(int id) const { return state_[id] != kUnknown; }
+
   // Takes segment id as worked out from the same rows elsewhere.
   void adopt(int id, const Segment& s) {
     state_[id] = s.isArc ? kArc : kStraight;
@@ -114,10 +202,6 @@ class SegmentCache {
   std::unique_ptr<Arc[]> arcs_;
   std::unique_ptr<unsigned char[]> state_;
 };
-
-SegmentBox boxOf(double eps, const Segment& s) {
-  return paddedSegmentBox(eps, s.x1, s.y1, s.x2, s.y2, s.isArc, s.cx, s.cy, s.r, s.sa, s.ea);
-}
 
 // Angle of (x, y) seen from an arc's centre, brought into the arc's range with tolerance eps;
 // a point outside it takes the turn centred on the arc (never one a whole turn away).
@@ -178,14 +262,14 @@ bool touchesRow(int s, int k, int n) {
 // other place where the line's carrier crosses the circle, to lie within the line and on the
 // arc. True when it plainly does not (with margins far wider than the round-off between this
 // and DArcLInts' own arithmetic), so DArcLInts need not be asked.
-bool secondCrossingMisses(double eps, const Segment& line, const Segment& arc) {
-  const double dx = line.x2 - line.x1;
-  const double dy = line.y2 - line.y1;
-  const double len = std::sqrt(dx * dx + dy * dy);
+bool secondCrossingMisses(double eps, const RoughSegment& line, const RoughSegment& arc) {
+  if (line.kind != RoughSegment::straight || arc.kind != RoughSegment::arc)
+    return false;
+  const double len = line.chord;
   if (!(len > 0.0))
     return false;
-  const double ux = dx / len;
-  const double uy = dy / len;
+  const double ux = (line.x2 - line.x1) / len;
+  const double uy = (line.y2 - line.y1) / len;
   // Along the line from its start: the foot of the centre at p0, the crossings at p0 -+ h.
   const double p0 = (arc.cx - line.x1) * ux + (arc.cy - line.y1) * uy;
   const double fx = line.x1 + p0 * ux - arc.cx;
@@ -199,14 +283,12 @@ bool secondCrossingMisses(double eps, const Segment& line, const Segment& arc) {
   const double shared = sharedAtEnd ? len : 0.0;
   const double p = std::fabs(p0 - h - shared) > std::fabs(p0 + h - shared) ? p0 - h : p0 + h;
   const double scale = len + arc.r + std::fabs(line.x1) + std::fabs(line.y1);
-  const double margin = 4.0 * eps + 1e-7 * scale;
+  const double margin = 4.0 * std::fabs(eps) * (1.0 + arc.r) + 1e-9 * scale;
   if (p < -eps - margin || p > len + eps + margin)
     return true;
-  // On the arc: its angle within the arc's sweep, eps (an angle here) and a margin beyond.
-  double alpha = std::atan2(line.y1 + p * uy - arc.cy, line.x1 + p * ux - arc.cx);
-  const double mid = (arc.sa + arc.ea) / 2.0;
-  bringAngleIntoRange(alpha, mid - kPi, mid + kPi, 0.0);
-  return std::fabs(alpha - mid) > (arc.ea - arc.sa) / 2.0 + eps + 1e-7 + margin / arc.r;
+  // On the arc: the arc lies on its own side of its chord; DArcLInts' angular tolerance reaches
+  // eps R past the arc's ends.
+  return sideOfChord(arc, line.x1 + p * ux, line.y1 + p * uy) < -margin;
 }
 
 // Where segment i (later) crosses segment j (earlier) in the loop scan, if it does.
@@ -226,8 +308,6 @@ bool loopCrossing(double eps, const Segment& si, const Segment& sj, bool adjacen
   if (si.isArc != sj.isArc) {
     const Segment& line = si.isArc ? sj : si;
     const Segment& arc = si.isArc ? si : sj;
-    if (adjacent && secondCrossingMisses(eps, line, arc))
-      return false;
     int flag = 0;
     const int m = DArcLInts(eps, line.x1, line.y1, line.x2, line.y2, arc.cx, arc.cy, arc.r, arc.sa,
                             arc.ea, &xa, &ya, &xb, &yb, &flag);
@@ -476,19 +556,9 @@ class PolylineSegments {
   static constexpr int kWalkedQueries = 2;
 
   // A box that holds segment s and every point its intersection tests can accept, from its rows
-  // alone: an arc lies within the chord's box grown by its sagitta (|b| L / 2) when it is at most
-  // a half circle, and within L |b| of it otherwise.
+  // alone.
   SegmentBox roughBox(int s) const {
-    const double* a = v_[s];
-    const double* b = v_[(s + 1) % n_];
-    const double chord = std::sqrt(square(b[0] - a[0]) + square(b[1] - a[1]));
-    const double bulge = std::fabs(a[2]);
-    const double bow = withinOpen(a[2], eps_) ? 0.0 : chord * (0.5 + bulge);
-    const SegmentBox box = paddedSegmentBox(eps_, a[0], a[1], b[0], b[1], false, 0, 0, 0, 0, 0);
-    // The tolerance margin of an arc's own tests reaches eps R, with R <= bow here or the arc's
-    // chord/2/sin(angle/2); growing by 8 eps bow more covers it.
-    const double grow = bow * (1.0 + 8.0 * std::fabs(eps_));
-    return {box.xmin - grow, box.ymin - grow, box.xmax + grow, box.ymax + grow};
+    return roughBoxOf(eps_, roughOf(eps_, v_[s], v_[(s + 1) % n_]));
   }
 
   void buildIndex() {
@@ -665,7 +735,7 @@ class ScanState {
       prev_[i] = i - 1;
     }
     index_.build(
-        n, [&](int i) { return hasSegment(i) ? boxOf(eps_, segment(i)) : SegmentBox::empty(); });
+        n, [&](int i) { return hasSegment(i) ? roughBoxOf(eps_, rough(i)) : SegmentBox::empty(); });
   }
 
   bool hasSegment(int id) const { return next_[id] != -1 || (closed_ && id == last_); }
@@ -677,13 +747,35 @@ class ScanState {
     return cache_.get(eps_, id, rows_[id], rows_[next_[id] != -1 ? next_[id] : 0]);
   }
 
-  // The latest earlier segment that segment `id` crosses, nearest first, and the point.
+  // The exact segment when it was already worked out.
+  bool knownSegment(int id, Segment* seg) {
+    if (!cache_.known(id))
+      return false;
+    *seg = segment(id);
+    return true;
+  }
+
+  RoughSegment rough(int id) const {
+    return roughOf(eps_, rows_[id], rows_[next_[id] != -1 ? next_[id] : 0]);
+  }
+
+  // The latest earlier segment that segment `id` crosses, nearest first, and the point. The
+  // exact shapes (PL_ArcParam) are worked out only for pairs the rough ones cannot rule out.
   int firstCrossingBelow(int id, double* x, double* y) {
-    const Segment si = segment(id);
-    const SegmentBox query = boxOf(eps_, si);
+    const RoughSegment ri = rough(id);
+    const SegmentBox query = roughBoxOf(eps_, ri);
     int hit = -1;
     index_.visitBelowDescending(id, query, [&](int j) {
-      if (!loopCrossing(eps_, si, segment(j), j == prev_[id], x, y))
+      const bool adjacent = j == prev_[id];
+      if (adjacent) {
+        const RoughSegment rj = rough(j);
+        // Neighbouring lines only meet at their shared row.
+        if (ri.kind == RoughSegment::straight && rj.kind == RoughSegment::straight)
+          return false;
+        if (secondCrossingMisses(eps_, ri, rj) || secondCrossingMisses(eps_, rj, ri))
+          return false;
+      }
+      if (!loopCrossing(eps_, segment(id), segment(j), adjacent, x, y))
         return false;
       hit = j;
       return true;
@@ -845,8 +937,11 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
     if (PolylineSegments* known = distance->segments()) {
       // The loop's segments between rows j+1 .. i are the scan's own.
       int k = 1;
-      for (int id = scan.next(j); id != i; id = scan.next(id))
-        known->adopt(k++, scan.segment(id));
+      for (int id = scan.next(j); id != i; id = scan.next(id), ++k) {
+        Segment known2;
+        if (scan.knownSegment(id, &known2))
+          known->adopt(k, known2);
+      }
     }
     if (distance->below(eps)) {
       copyRows(v, loop->get(), count);
