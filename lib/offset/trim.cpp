@@ -648,8 +648,41 @@ class DistanceRuns {
   // The k-th run (0-based) after the window of `window` runs starting at `first`, wrapping.
   int nthOutsideWindow(int first, int window, int k) const { return (first + window + k) % runs_; }
 
+  // Can run i beat (best, bestRun) at all? Its candidates from the rough shapes, each within a
+  // margin of the exact one, say no when every one of them is plainly too far.
+  bool mightBeat(int i, double best, bool tieWins) const {
+    const int b = (i + 1) % n_;
+    const int c = (i + 2) % n_;
+    const double* rows[3] = {v_[i], v_[b], v_[c]};
+    const double vertex = std::sqrt(square(p_[0] - rows[1][0]) + square(p_[1] - rows[1][1]));
+    if (vertex < best || (tieWins && vertex == best))
+      return true;
+    for (int k = 0; k < 2; ++k) {
+      const RoughSegment r = roughOf(eps_, rows[k], rows[k + 1]);
+      double low;
+      if (r.kind == RoughSegment::straight) {
+        // Straight: the same arithmetic as the exact distance.
+        if (!(r.chord >= eps_))
+          continue;
+        low =
+            std::fabs(((p_[0] - r.x1) * (r.y2 - r.y1) - (p_[1] - r.y1) * (r.x2 - r.x1)) / r.chord);
+      } else if (r.kind == RoughSegment::arc) {
+        const double slack = 1e-9 * (1.0 + r.r + std::fabs(p_[0]) + std::fabs(p_[1]) +
+                                     std::fabs(r.cx) + std::fabs(r.cy));
+        low = std::fabs(std::sqrt(square(p_[0] - r.cx) + square(p_[1] - r.cy)) - r.r) - slack;
+      } else {
+        return true;
+      }
+      if (!(low >= best) || (tieWins && low <= best))
+        return true;
+    }
+    return false;
+  }
+
   // Does run i beat (best, bestRun)? Its distance goes to *d.
   bool tryRun(int i, double best, int bestRun, double* d) {
+    if (!mightBeat(i, best, i < bestRun))
+      return false;
     const int b = (i + 1) % n_;
     const Segment s1 = segments_.segment(i);
     const Segment s2 = segments_.segment(b);
