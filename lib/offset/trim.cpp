@@ -91,30 +91,32 @@ RoughSegment roughOf(double eps, const double* from, const double* to) {
   if (withinOpen(s.bulge, eps))
     return s;
   const double b = s.bulge;
-  const double halfSine = 2.0 * std::fabs(b) / (1.0 + b * b);
   const double ae = std::fabs(eps);
-  if (!std::isfinite(s.chord) || !std::isfinite(halfSine) ||
-      (s.chord >= 0.5 * ae && s.chord <= 2.0 * ae) ||
-      (halfSine >= 0.5 * ae && halfSine <= 2.0 * ae)) {
+  // |sin(angle/2)| = 2|b| / (1 + b^2), compared without dividing.
+  const double twiceB = 2.0 * std::fabs(b);
+  const double onePlus = 1.0 + b * b;
+  const bool chordNearEps = s.chord >= 0.5 * ae && s.chord <= 2.0 * ae;
+  const bool sineNearEps = twiceB >= 0.5 * ae * onePlus && twiceB <= 2.0 * ae * onePlus;
+  if (!std::isfinite(s.chord) || !std::isfinite(onePlus) || chordNearEps || sineNearEps) {
     s.kind = RoughSegment::unsure;
     return s;
   }
-  if (s.chord < eps || halfSine < eps)
+  if (s.chord < eps || twiceB < eps * onePlus)
     return s;  // PL_ArcParam gives up: straight
   s.kind = RoughSegment::arc;
-  const double k = (1.0 - b * b) / (4.0 * b);  // (1/2)(1 - b^2)/(2b), per unit of chord
+  const double quarter = 1.0 / (4.0 * b);
+  const double k = (1.0 - b * b) * quarter;  // (1/2)(1 - b^2)/(2b), per unit of chord
   s.cx = (s.x1 + s.x2) / 2.0 - dy * k;
   s.cy = (s.y1 + s.y2) / 2.0 + dx * k;
-  s.r = s.chord * (1.0 + b * b) / (4.0 * std::fabs(b));
+  s.r = s.chord * onePlus * std::fabs(quarter);
   return s;
 }
 
-// Signed side of (x, y) from the segment's chord line, positive on the side an arc with this
-// bulge lies on (the right of travel for a positive bulge), as a distance.
-double sideOfChord(const RoughSegment& s, double x, double y) {
+// Side of (x, y) from the segment's chord line, positive on the side an arc with this bulge lies
+// on (the right of travel for a positive bulge), as a distance times the chord's length.
+double sideOfChordScaled(const RoughSegment& s, double x, double y) {
   const double cross = (s.x2 - s.x1) * (y - s.y1) - (s.y2 - s.y1) * (x - s.x1);
-  const double left = cross / s.chord;
-  return s.bulge > 0.0 ? -left : left;
+  return s.bulge > 0.0 ? -cross : cross;
 }
 
 // A box holding the rough segment and everything its intersection tests can accept: the ends,
@@ -131,7 +133,7 @@ SegmentBox roughBoxOf(double eps, const RoughSegment& s) {
     const double ex[4][2] = {
         {s.cx + s.r, s.cy}, {s.cx - s.r, s.cy}, {s.cx, s.cy + s.r}, {s.cx, s.cy - s.r}};
     for (const auto& e : ex) {
-      if (sideOfChord(s, e[0], e[1]) >= -slack) {
+      if (sideOfChordScaled(s, e[0], e[1]) >= -slack * s.chord) {
         box.xmin = std::min(box.xmin, e[0]);
         box.ymin = std::min(box.ymin, e[1]);
         box.xmax = std::max(box.xmax, e[0]);
@@ -288,7 +290,7 @@ bool secondCrossingMisses(double eps, const RoughSegment& line, const RoughSegme
     return true;
   // On the arc: the arc lies on its own side of its chord; DArcLInts' angular tolerance reaches
   // eps R past the arc's ends.
-  return sideOfChord(arc, line.x1 + p * ux, line.y1 + p * uy) < -margin;
+  return sideOfChordScaled(arc, line.x1 + p * ux, line.y1 + p * uy) < -margin * arc.chord;
 }
 
 // Where segment i (later) crosses segment j (earlier) in the loop scan, if it does.
