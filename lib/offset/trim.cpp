@@ -598,13 +598,7 @@ class PolylineSegments {
 class DistanceRuns {
  public:
   DistanceRuns(double eps, int closed, int n, double (*const v)[5], double* const p)
-      : eps_(eps),
-        closed_(closed),
-        n_(n),
-        v_(v),
-        p_(p),
-        segments_(eps, closed, n, v),
-        runs_(closed ? n : n - 2) {
+      : eps_(eps), n_(n), v_(v), p_(p), segments_(eps, closed, n, v), runs_(closed ? n : n - 2) {
     // The run whose middle row lies nearest the point comes first, with its neighbours.
     double nearest = std::numeric_limits<double>::infinity();
     for (int i = 0; i < runs_; ++i) {
@@ -700,7 +694,6 @@ class DistanceRuns {
   }
 
   double eps_;
-  int closed_;
   int n_;
   double (*v_)[5];
   double* p_;
