@@ -568,3 +568,36 @@ TEST(PLineOffset, random_rows_stay_within_their_room) {
 }
 
 }  // namespace
+
+namespace {
+
+// Found by the offset fuzzer: rows near 6e8 where eps lies below the spacing of doubles. After
+// the loop between two neighbouring segments was cut, they still reported a second crossing and
+// the scan cut the same corner again, without end.
+TEST(PLineOffset, repeated_cut_of_neighbours_far_from_the_origin_ends) {
+  std::vector<Vertex> v = {{0.0, -253.125, -252.015625}, {1.24352683462234e-310, -256.0, -124.0}};
+  for (int i = 0; i < 9; ++i)
+    v.push_back({-256.0, -256.0, -256.0});
+  const std::vector<Vertex> middle = {{-256.0, -240.0, -256.0},
+                                      {-256.0, -256.0, 128.0},
+                                      {-256.0, -63.25, -63.25},
+                                      {-63.25, -63.25, -63.25},
+                                      {-63.25, -63.25, -63.25},
+                                      {-60.984375, -595821443.5137254, -595821443.5137254},
+                                      {9091.513725489951, 3.015625, -595821147.5137559},
+                                      {1.8640430168403623e-307, 0.0, 10.0},
+                                      {10.0, 0.0, 0.0},
+                                      {-252.0, -255.984375, 10.0},
+                                      {-252.0, -255.625, 0.0}};
+  v.insert(v.end(), middle.begin(), middle.end());
+  while (v.size() < 60)
+    v.push_back({-256.0, -256.0, -256.0});
+  Polyline pl(v);
+  int closed = 0;
+  double pick[2] = {-224.09375, 2.8580710655114e-283};
+  const int n = PLineOffset(kEps, &closed, 60, pl.rows(), 0, pick, -250.984375);
+  EXPECT_GE(n, 0);
+  EXPECT_LE(n, 120);
+}
+
+}  // namespace

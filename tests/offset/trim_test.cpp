@@ -515,6 +515,7 @@ int referenceTrimLoopS(double* pick, int* closed, std::vector<std::vector<double
   std::vector<std::vector<double>> saved;
   double best = 1e100;
   int i = 1;
+  int adjacentCutAt = -1;  // a repeated cut of the same neighbours moves on, as in the library
   for (;;) {
     const int n = static_cast<int>(rows.size());
     const int segments = *closed ? n : n - 1;
@@ -528,10 +529,11 @@ int referenceTrimLoopS(double* pick, int* closed, std::vector<std::vector<double
       if (referenceCrossing(si, referenceSegment(a.get(), j, j + 1), j == i - 1, &x, &y))
         break;
     }
-    if (j < 0) {
+    if (j < 0 || (j == i - 1 && adjacentCutAt == i)) {
       ++i;
       continue;
     }
+    adjacentCutAt = j == i - 1 ? i : -1;
     const ReferenceSegment sj = referenceSegment(a.get(), j, j + 1);
     double headJ, tailJ, headI, tailI;
     referenceSplit(sj, x, y, &headJ, &tailJ);
