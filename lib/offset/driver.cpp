@@ -228,9 +228,26 @@ double openEndLimit(double eps, double step, const Element& cur, double px, doub
   return step;
 }
 
+// Two arcs of one circle: their centres, each worked out from its own chord, differ only by
+// round-off. The difference of their conditions, which the circle solvers build on, is then that
+// round-off, and no single point follows from it (a segment between two arcs of one circle
+// keeps its length while both move); the limit passes over such a pair.
+bool sameCircle(const Element& a, const Element& b) {
+  const double apart = std::sqrt(square(a.cx - b.cx) + square(a.cy - b.cy));
+  return apart <= 1e-9 * (a.radius + b.radius);
+}
+
 double solverLimit(double eps, double step, const Element& p, const Element& c, const Element& nx) {
   double out = step;
   int found = 0;
+  // The circle solvers pair circle 1 with the last circle (CLCOffset), or circles 1 and 2 with
+  // circle 3 (CCCOffset).
+  if (p.isArc && c.isArc && nx.isArc ? sameCircle(p, nx) || sameCircle(c, nx)
+      : p.isArc && nx.isArc          ? sameCircle(p, nx)
+      : c.isArc && nx.isArc          ? sameCircle(c, nx)
+      : p.isArc && c.isArc           ? sameCircle(p, c)
+                                     : false)
+    return step;
   if (!p.isArc && !c.isArc && nx.isArc) {
     found = LLCOffset(eps, step, p.a, p.b, p.c, c.a, c.b, c.c, nx.cx, nx.cy, nx.r, &out);
   } else if (p.isArc && !c.isArc && !nx.isArc) {

@@ -100,6 +100,22 @@ TEST(OffsetStepLimit, arc_towards_its_centre_is_limited_to_its_radius) {
   }
 }
 
+// A chord between two arcs of one circle keeps its length while everything moves (the circle
+// and the chord's line keep their gap). The arcs' centres, each worked out from its own short
+// chord, differ only by round-off, which once made a phantom event and thousands of steps.
+TEST(OffsetStepLimit, segment_between_arcs_of_one_circle_is_not_limited) {
+  const int n = 100000;
+  const double b = std::tan(kPi / (2.0 * n));
+  std::vector<Vertex> v;
+  for (int k = 0; k < 4; ++k) {
+    const double a = 2.0 * kPi * (33910 + k) / n;
+    v.push_back({100.0 * std::cos(a), 100.0 * std::sin(a), k % 2 == 0 ? b : 0.0});
+  }
+  Polyline pl(v);
+  for (const double step : {50.0, -50.0, 1.0, -1.0})
+    EXPECT_EQ(OffsetStepLimit(kEps, step, 1, 1, 4, pl.rows()), step) << step;
+}
+
 TEST(OffsetStepLimit, degenerate_counts) {
   Polyline sq(rectangle(0, 0, 10, 10));
   EXPECT_EQ(OffsetStepLimit(kEps, -8.0, 0, 1, 1, sq.rows()), 0.0);
