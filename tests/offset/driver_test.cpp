@@ -617,3 +617,31 @@ TEST(PLineOffset, repeated_cut_of_neighbours_far_from_the_origin_ends) {
 }
 
 }  // namespace
+
+namespace {
+
+// A chord of a circle of radius 100 cut into 100,000 pieces, then the next arc: the vertex lies
+// on the circle only up to round-off that moves the line's roots by about 1e-8, beyond eps. The
+// corner still joins (once it found no branch and was bridged by a half circle).
+TEST(LAOffset, short_chord_into_an_arc_of_a_large_circle_joins) {
+  const int n = 100000;
+  const double b = std::tan(kPi / (2.0 * n));
+  const auto at = [&](int k, double* x, double* y) {
+    *x = 100.0 * std::cos(2.0 * kPi * k / n);
+    *y = 100.0 * std::sin(2.0 * kPi * k / n);
+  };
+  int joined = 0;
+  for (int k = 1; k < 400; k += 2) {
+    double x1, y1, x2, y2, x3, y3, ox, oy, t1, t2;
+    at(k, &x1, &y1);
+    at(k + 1, &x2, &y2);
+    at(k + 2, &x3, &y3);
+    if (LAOffset(kEps, 1.0, x1, y1, x2, y2, x3, y3, b, &ox, &oy, &t1, &t2) == 1) {
+      ++joined;
+      EXPECT_NEAR(std::hypot(ox, oy), 101.0, 1e-9);
+    }
+  }
+  EXPECT_EQ(joined, 200);
+}
+
+}  // namespace
