@@ -27,7 +27,17 @@
 // outgoing one (t = 0), so an arc-arc bridge keeps both moved arcs whole, just as a line-line
 // bridge keeps both lines; the half circle turns against the cross product of the new chord
 // with the incoming direction of travel at the vertex. Line-arc and arc-line corners use the
-// feet on the perpendicular from the arc's centre to the moved line.
+// feet on the perpendicular from the arc's centre to the moved line. A row that cannot be moved
+// (a degenerate segment, an arc turned inside out) stays where its source vertex is.
+//
+// Room. The builder keeps its copy of the current rows at the top of the caller's 2n rows and
+// writes the moved rows from row 0 up, never past a copied row it has still to read; a step whose
+// rows would reach one fails (PLineOffset then returns 0). With the copy at rows n .. 2n-1 (the
+// first step, and BuildOffsetPLine) a single step always fits, half circles at every corner
+// included; later steps of a polyline that has grown beyond n rows may not.
+//
+// The step loop gives up after 4n + 256 steps: each real event removes a segment, so that many
+// would mean limits that keep finding events which remove nothing.
 #include "offset/offset.h"
 
 #include "arcs/arcs.h"
