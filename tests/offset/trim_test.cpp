@@ -3,11 +3,14 @@
 #include "offset/polyline_testing.h"
 
 #include <Tarnsysm.h>
+#include <offset/internal.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -370,6 +373,241 @@ TEST(TrimLoopS, random_polylines_are_left_without_crossings) {
       EXPECT_EQ(TrimLoopS(kEps, pick, &closedAgain, n, again.rows()), n) << "trial " << trial;
     }
   }
+}
+
+}  // namespace
+
+namespace {
+
+// ---- The fast paths against the definitions ---------------------------------------------------
+
+// PLineDist tries its runs nearest first and skips hopeless ones; when memory runs out it walks
+// them in order as defined. Both must give the same answer.
+TEST(PLineDist, same_answer_as_walking_every_run_in_order) {
+  std::mt19937 rng(99);
+  std::uniform_real_distribution<double> coord(-10.0, 10.0);
+  std::uniform_real_distribution<double> bulge(-1.2, 1.2);
+  int compared = 0;
+  for (int trial = 0; trial < 400; ++trial) {
+    std::vector<Vertex> v(3 + trial % 10);
+    for (auto& p : v)
+      p = {coord(rng), coord(rng), trial % 4 == 0 ? 0.0 : bulge(rng)};
+    Polyline pl(v);
+    const int closed = trial % 2;
+    for (int k = 0; k < 5; ++k) {
+      double p[2] = {coord(rng), coord(rng)};
+      double fast = 12345.0, plain = 12345.0;
+      const int rf = PLineDist(kEps, closed, pl.count(), pl.rows(), p, &fast);
+      failNextAllocation(true);
+      const int rp = PLineDist(kEps, closed, pl.count(), pl.rows(), p, &plain);
+      failNextAllocation(false);
+      ASSERT_EQ(rf, rp) << "trial " << trial;
+      EXPECT_EQ(fast, plain) << "trial " << trial;
+      compared += rf;
+    }
+  }
+  EXPECT_GT(compared, 500);
+}
+
+// The loop scan as defined: every segment against every earlier one, nearest first, with the
+// same pairing and cutting rules; no tree, no lazy measuring.
+struct ReferenceSegment {
+  double x1, y1, x2, y2, bulge;
+  bool arc;
+  double cx, cy, r, sa, ea;
+};
+
+ReferenceSegment referenceSegment(double (*v)[5], int from, int to) {
+  ReferenceSegment s{v[from][0], v[from][1], v[to][0], v[to][1], v[from][2], false, 0, 0, 0, 0, 0};
+  if (!(-kEps < s.bulge && s.bulge < kEps))
+    s.arc = PL_ArcParam(kEps, s.x1, s.y1, s.x2, s.y2, s.bulge, &s.cx, &s.cy, &s.r, &s.sa, &s.ea);
+  return s;
+}
+
+double referenceAngle(const ReferenceSegment& s, double x, double y) {
+  double a = std::atan2(y - s.cy, x - s.cx);
+  const double mid = (s.sa + s.ea) / 2.0;
+  tarnsysm::detail::bringAngleIntoRange(a, mid - kPi, mid + kPi, kEps);
+  return a;
+}
+
+double referenceParameter(const ReferenceSegment& s, double x, double y) {
+  if (!s.arc) {
+    const double dx = s.x2 - s.x1, dy = s.y2 - s.y1;
+    return ((x - s.x1) * dx + (y - s.y1) * dy) / (dx * dx + dy * dy);
+  }
+  const double a = referenceAngle(s, x, y);
+  return s.bulge > 0 ? (a - s.sa) / (s.ea - s.sa) : (a - s.ea) / (s.sa - s.ea);
+}
+
+void referenceSplit(const ReferenceSegment& s, double x, double y, double* head, double* tail) {
+  *head = *tail = 0.0;
+  if (!s.arc)
+    return;
+  const double a = referenceAngle(s, x, y);
+  const double start = s.bulge > 0 ? s.sa : s.ea, end = s.bulge > 0 ? s.ea : s.sa;
+  const double sign = s.bulge >= 0 ? 1.0 : -1.0;
+  *head = sign * std::tan((a - start) * sign / 4.0);
+  *tail = sign * std::tan((end - a) * sign / 4.0);
+}
+
+bool referenceCrossing(const ReferenceSegment& si, const ReferenceSegment& sj, bool adjacent,
+                       double* x, double* y) {
+  if (!si.arc && !sj.arc) {
+    int flag = 0;
+    return !adjacent &&
+           D2LInts(kEps, sj.x1, sj.y1, sj.x2, sj.y2, si.x1, si.y1, si.x2, si.y2, x, y, &flag) ==
+               1 &&
+           flag == 3;
+  }
+  double px[2], py[2], xa, ya, xb, yb;
+  int count = 0;
+  if (si.arc != sj.arc) {
+    const ReferenceSegment& l = si.arc ? sj : si;
+    const ReferenceSegment& a = si.arc ? si : sj;
+    int flag = 0;
+    const int m = DArcLInts(kEps, l.x1, l.y1, l.x2, l.y2, a.cx, a.cy, a.r, a.sa, a.ea, &xa, &ya,
+                            &xb, &yb, &flag);
+    if (m >= 1 && (flag & 1))
+      px[count] = xa, py[count++] = ya;
+    if (m == 2 && (flag & 2))
+      px[count] = xb, py[count++] = yb;
+  } else {
+    const int m = D2ArcInts(kEps, sj.cx, sj.cy, sj.r, sj.sa, sj.ea, si.cx, si.cy, si.r, si.sa,
+                            si.ea, &xa, &ya, &xb, &yb);
+    if (m >= 1)
+      px[count] = xa, py[count++] = ya;
+    if (m == 2)
+      px[count] = xb, py[count++] = yb;
+  }
+  int pick = 0;
+  if (adjacent) {
+    if (count < 2)
+      return false;
+    const double d0 = std::fabs(px[0] - si.x1) + std::fabs(py[0] - si.y1);
+    const double d1 = std::fabs(px[1] - si.x1) + std::fabs(py[1] - si.y1);
+    pick = d1 > d0 ? 1 : 0;
+  } else {
+    if (count == 0)
+      return false;
+    if (count == 2 && referenceParameter(sj, px[1], py[1]) < referenceParameter(sj, px[0], py[0]))
+      pick = 1;
+  }
+  *x = px[pick];
+  *y = py[pick];
+  return true;
+}
+
+int referenceTrimLoopS(double* pick, int* closed, std::vector<std::vector<double>>& rows) {
+  const auto asArray = [](std::vector<std::vector<double>>& r) {
+    std::unique_ptr<double[][5]> a(new double[r.size() + 1][5]);
+    for (size_t i = 0; i < r.size(); ++i)
+      for (int f = 0; f < 5; ++f)
+        a[i][f] = r[i][f];
+    return a;
+  };
+  {
+    auto a = asArray(rows);
+    rows.resize(TrimLoop0(kEps, *closed, static_cast<int>(rows.size()), a.get()));
+    for (size_t i = 0; i < rows.size(); ++i)
+      rows[i].assign(a[i], a[i] + 5);
+  }
+  std::vector<std::vector<double>> saved;
+  double best = 1e100;
+  int i = 1;
+  int adjacentCutAt = -1;  // a repeated cut of the same neighbours moves on, as in the library
+  for (;;) {
+    const int n = static_cast<int>(rows.size());
+    const int segments = *closed ? n : n - 1;
+    if (i >= segments)
+      break;
+    auto a = asArray(rows);
+    const ReferenceSegment si = referenceSegment(a.get(), i, (i + 1) % n);
+    int j = i - 1;
+    double x = 0, y = 0;
+    for (; j >= 0; --j) {
+      if (referenceCrossing(si, referenceSegment(a.get(), j, j + 1), j == i - 1, &x, &y))
+        break;
+    }
+    if (j < 0 || (j == i - 1 && adjacentCutAt == i)) {
+      ++i;
+      continue;
+    }
+    adjacentCutAt = j == i - 1 ? i : -1;
+    const ReferenceSegment sj = referenceSegment(a.get(), j, j + 1);
+    double headJ, tailJ, headI, tailI;
+    referenceSplit(sj, x, y, &headJ, &tailJ);
+    referenceSplit(si, x, y, &headI, &tailI);
+    std::vector<std::vector<double>> loop;
+    loop.push_back({x, y, tailJ, rows[j][3], rows[j][4]});
+    for (int k = j + 1; k <= i; ++k)
+      loop.push_back(rows[k]);
+    loop.back()[2] = headI;
+    auto la = asArray(loop);
+    double s;
+    if (PLineDist(kEps, *closed, static_cast<int>(loop.size()), la.get(), pick, &s)) {
+      if (-kEps < s && s < kEps) {
+        rows = loop;
+        *closed = 1;
+        return static_cast<int>(rows.size());
+      }
+      if (std::fabs(s) < best) {
+        best = std::fabs(s);
+        saved = loop;
+      }
+    }
+    std::vector<double> xRow = {x, y, tailI, rows[i][3], rows[i][4]};
+    rows[j][2] = headJ;
+    rows.erase(rows.begin() + j + 1, rows.begin() + i + 1);
+    rows.insert(rows.begin() + j + 1, xRow);
+    i = std::max(j, 1) + 1;
+  }
+  const auto finish = [&](std::vector<std::vector<double>>& r, int c) {
+    auto a = asArray(r);
+    r.resize(TrimLoop0(kEps, c, static_cast<int>(r.size()), a.get()));
+    for (size_t k = 0; k < r.size(); ++k)
+      r[k].assign(a[k], a[k] + 5);
+    return static_cast<int>(r.size());
+  };
+  if (!saved.empty()) {
+    auto a = asArray(rows);
+    double s;
+    if (!(PLineDist(kEps, *closed, static_cast<int>(rows.size()), a.get(), pick, &s) &&
+          std::fabs(s) <= best)) {
+      rows = saved;
+      *closed = 1;
+      return finish(rows, 1);
+    }
+  }
+  return finish(rows, *closed);
+}
+
+TEST(TrimLoopS, same_result_as_the_scan_of_every_earlier_segment) {
+  std::mt19937 rng(31337);
+  std::uniform_real_distribution<double> coord(0.0, 10.0);
+  std::uniform_real_distribution<double> bulge(-1.0, 1.0);
+  int loops = 0;
+  for (int trial = 0; trial < 400; ++trial) {
+    std::vector<Vertex> v(3 + trial % 14 + (trial % 7 == 0 ? 50 : 0));
+    for (auto& p : v)
+      p = {coord(rng), coord(rng), trial % 3 == 0 ? 0.0 : bulge(rng)};
+    Polyline pl(v);
+    std::vector<std::vector<double>> ref;
+    for (int i = 0; i < pl.count(); ++i)
+      ref.emplace_back(pl[i], pl[i] + 5);
+    int closed = trial % 2, refClosed = closed;
+    double pick[2] = {coord(rng), coord(rng)};
+    const int n = TrimLoopS(kEps, pick, &closed, pl.count(), pl.rows());
+    const int rn = referenceTrimLoopS(pick, &refClosed, ref);
+    ASSERT_EQ(n, rn) << "trial " << trial;
+    EXPECT_EQ(closed, refClosed) << "trial " << trial;
+    for (int i = 0; i < n; ++i) {
+      for (int f = 0; f < 5; ++f)
+        EXPECT_EQ(pl[i][f], ref[i][f]) << "trial " << trial << " row " << i << " field " << f;
+    }
+    loops += n < pl.count();
+  }
+  EXPECT_GT(loops, 100);
 }
 
 }  // namespace
