@@ -38,6 +38,8 @@ install(FILES
   "${PROJECT_BINARY_DIR}/TarnsysmConfigVersion.cmake"
   DESTINATION ${TARNSYSM_INSTALL_CMAKEDIR})
 
+# The pkg-config file finds its prefix relative to itself, so `cmake --install --prefix` works.
+file(RELATIVE_PATH TARNSYSM_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/tarnsysm.pc.in"
   "${PROJECT_BINARY_DIR}/tarnsysm.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/tarnsysm.pc"
