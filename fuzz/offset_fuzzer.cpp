@@ -145,7 +145,7 @@ bool isModerate(double v) {
 // The caller's rows followed by sentinel rows that no call may touch.
 class GuardedRows {
  public:
-  GuardedRows(int room) : room_(room < 0 ? 0 : room) {
+  explicit GuardedRows(int room) : room_(room < 0 ? 0 : room) {
     const std::size_t total = static_cast<std::size_t>(room_ + kGuardRows);
     rows_.reset(new double[total][5]);
     for (std::size_t i = static_cast<std::size_t>(room_); i < total; ++i)
