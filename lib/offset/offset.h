@@ -16,41 +16,94 @@
 
 // ---- Vertex rows and measures ----------------------------------------------------------------
 
-/// Signed area between the segment (x1, y1)-(x2, y2) with the given bulge and the x axis: one
-/// term of a polygon's area sum (trapezoid term minus the arc's segment term).
+/// Signed area between the segment (x1, y1)-(x2, y2) and the x axis: one term of a boundary's
+/// area sum, positive for the edges of a clockwise boundary. The straight part is the trapezoid
+/// (y1 + y2)*(x2 - x1)/2; an arc (bulge outside (-eps, eps)) subtracts its circular segment
+/// (theta - sin theta)*R^2/2, theta = 4*atan(bulge), which carries theta's sign: a positive bulge
+/// bows to the right of travel. Never fails; a NaN input gives NaN.
 TARNSYSM_API double LineArea(double eps, double x1, double y1, double x2, double y2, double bulge);
 
-/// Signed area enclosed by the polyline, positive when clockwise; 0.0 for fewer than 3 rows. An
-/// open polyline is closed by a straight chord from row n-1 to row 0.
+/// Signed area enclosed by the polyline v[0 .. n-1]: positive when it runs clockwise, negative
+/// when counter-clockwise; reversing the rows negates it. Arc edges count with their circular
+/// segments as in LineArea, so a positive bulge on a clockwise boundary bows inwards and makes
+/// the area smaller. An open polyline is closed by a straight chord from row n-1 to row 0 (the
+/// bulge of its last row is ignored). Returns 0.0 for n < 3, even for a closed pair of arcs.
+/// Reads n rows; writes nothing.
 TARNSYSM_API double PLineArea(double eps, int closed, int n, double (*const v)[5]);
 
-/// 1 when p = (p[0], p[1]) lies on some segment of the polyline within eps, else 0 (also for
-/// fewer than 2 rows).
+/// 1 when p = (p[0], p[1]) lies on some segment of the polyline, else 0 (also for n < 2). A
+/// straight segment takes p when its parameter along the segment is within [-eps, 1 + eps] (eps
+/// in parameter units, whatever the length) and its perpendicular distance is strictly below
+/// eps; a segment shorter than eps never matches. An arc takes p when its angle is on the sweep
+/// (ValidAngle) and its distance from the circle is strictly below eps. The closing segment is
+/// tested only when closed is non-zero. Reads n rows; writes nothing.
 TARNSYSM_API int PointsOnPLine(double eps, double* const p, int closed, int n,
                                double (*const v)[5]);
 
 // ---- Corner joins -----------------------------------------------------------------------------
+//
+// The corner P1 -> P2 -> P3 has a first segment P1-P2 and a second segment P2-P3. Each is moved
+// by d to the right of its travel: a line by (d/L)*(dy, -dx), an arc about the same centre to
+// the radius R' = R + d for a positive bulge, R - d for a negative one. A bulge counts as zero
+// when -eps < bulge < eps; a line is degenerate when its squared length is below eps^2, an arc
+// when PL_ArcParam fails. t1 and t2 are the join's parameters on the moved first and second
+// segment: 0 at its start, 1 at its end (an arc's fraction of its sweep in travel order). t1 > 1
+// or t2 < 0: the moved segments had to be extended to meet; t1 < 0 or t2 > 1: a moved segment
+// has vanished.
+//
+// Result codes of the four joins, and what they write to *ox, *oy, *t1, *t2:
+//    1  the moved segments meet (AAOffset also: concentric arcs turning the same way, at P2
+//       moved onto the first arc's moved circle, t1 = 1, t2 = 0): join point, t1, t2
+//    2  LLOffset only, collinear lines going on the same way: P2 moved along their common
+//       normal, t1 = 1, t2 = 0
+//    0  the moved segments do not meet: nothing written
+//   -1  only the first segment is degenerate (not LLOffset): P2 moved as a point of the second
+//       segment, t1 = 1, t2 = 0
+//   -2  only the second segment is degenerate; LLOffset also for a degenerate first line: P2
+//       moved as a point of the other segment, t1 = 1, t2 = 0
+//   -3  both segments are degenerate: nothing written
+// "P2 moved as a point" of a line is P2 + (d/L)*(dy, -dx), of an arc C + (P2 - C)*R'/R.
 
-/// Join of the line P1-P2 and the line P2-P3, each moved by d (positive: to the right of travel).
+/// Join of the line P1-P2 and the line P2-P3, each moved by d. Returns 1 where the moved lines
+/// cross (the lines count as parallel when the cross product of the unnormalised directions is
+/// strictly within eps), 2 for a straight continuation, 0 when the path turns back on itself,
+/// -2 when either line is degenerate, -3 when both are. Outputs untouched on 0 and -3.
 TARNSYSM_API int LLOffset(double eps, double d, double x1, double y1, double x2, double y2,
                           double x3, double y3, double* ox, double* oy, double* t1, double* t2);
 
-/// Join of the line P1-P2 and the arc P2-P3 of the given bulge, each moved by d.
+/// Join of the line P1-P2 and the arc P2-P3 of the given bulge (LLOffset for a zero bulge). The
+/// moved line meets the moved circle on the same branch (entry or exit point along the line) on
+/// which P2 lies; when the line touches the arc at P2 the branch follows the sign of the cross
+/// product (P2 - P1) x (P3 - P2) times the bulge, and a value within [-eps, eps] gives 0. Also 0
+/// when P2 is not where the line meets the circle or the moved line misses the moved circle.
+/// -1 for a degenerate line, -2 for a degenerate arc, -3 for both. Outputs untouched on 0, -3.
 TARNSYSM_API int LAOffset(double eps, double d, double x1, double y1, double x2, double y2,
                           double x3, double y3, double bulge, double* ox, double* oy, double* t1,
                           double* t2);
 
-/// Join of the arc P1-P2 of the given bulge and the line P2-P3, each moved by d.
+/// Join of the arc P1-P2 of the given bulge and the line P2-P3: the mirror of LAOffset (LLOffset
+/// for a zero bulge; a touching line takes its branch from (P3 - P2) x (P2 - P1) times the
+/// bulge). -1 for a degenerate arc, -2 for a degenerate line, -3 for both. Outputs untouched on
+/// 0 and -3.
 TARNSYSM_API int ALOffset(double eps, double d, double x1, double y1, double x2, double y2,
                           double x3, double y3, double bulge, double* ox, double* oy, double* t1,
                           double* t2);
 
-/// Join of the arc P1-P2 (bulge1) and the arc P2-P3 (bulge2), each moved by d.
+/// Join of the arc P1-P2 (bulge1) and the arc P2-P3 (bulge2). A zero bulge1 hands over to
+/// LAOffset with bulge2, otherwise a zero bulge2 to ALOffset with bulge1. The moved circles are
+/// intersected with D2CirInts; of two points the one on P2's side of the line through both
+/// centres is taken. Returns 1 (also for concentric arcs turning the same way), 0 when the moved
+/// circles do not meet or concentric arcs turn opposite ways, -1/-2/-3 for a degenerate first,
+/// second or both arcs. Outputs untouched on 0 and -3.
 TARNSYSM_API int AAOffset(double eps, double d, double x1, double y1, double x2, double y2,
                           double x3, double y3, double bulge1, double bulge2, double* ox,
                           double* oy, double* t1, double* t2);
 
-/// The point at parameter t of the segment P1-P2 (with bulge) moved by d.
+/// The point at parameter t of the segment P1-P2 (with bulge) moved by d: a line's point is
+/// P1 + (d/L)*(dy, -dx) + t*(dx, dy); an arc's is at the angle start + t*(end - start) (travel
+/// order) on the moved circle, or the centre itself when the moved radius R' is within
+/// [-eps, eps). Returns 1 when it wrote (*ox, *oy); 0, writing nothing, for a degenerate segment
+/// (squared chord below eps^2, or PL_ArcParam fails) or a moved radius below -eps.
 TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1, double x2,
                             double y2, double bulge, double* ox, double* oy);
 

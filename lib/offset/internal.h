@@ -1,0 +1,113 @@
+// Tarnsysm: planar computational geometry for 2D drafting.
+// Internal helpers of the polyline offset: moving points of a segment sideways, moved radii,
+// arc angles in the order of travel and whole-turn angle ranges. Not installed.
+#pragma once
+
+#include "arcs/arcs.h"
+#include "primitives/internal.h"
+
+namespace tarnsysm::detail {
+
+/// The circle of a bulge segment as PL_ArcParam gives it; ok is false for a degenerate segment
+/// (a chord shorter than eps or a zero bulge), which callers treat as straight.
+struct BulgeArc {
+  double cx = 0.0;
+  double cy = 0.0;
+  double r = 0.0;
+  double sa = 0.0;
+  double ea = 0.0;
+  bool ok = false;
+};
+
+inline BulgeArc arcOfBulge(double eps, double x1, double y1, double x2, double y2, double bulge) {
+  BulgeArc arc;
+  arc.ok = PL_ArcParam(eps, x1, y1, x2, y2, bulge, &arc.cx, &arc.cy, &arc.r, &arc.sa, &arc.ea) != 0;
+  return arc;
+}
+
+/// The sense of an arc segment as the offset sees it: +1 for bulge >= 0, -1 otherwise.
+inline double bulgeSign(double bulge) {
+  return bulge >= 0.0 ? 1.0 : -1.0;
+}
+
+/// Radius of an arc moved by d to the right of travel: a counter-clockwise arc (centre on the
+/// left) grows, a clockwise one shrinks. The result may be zero or negative.
+inline double movedRadius(double r, double bulge, double d) {
+  return r + bulgeSign(bulge) * d;
+}
+
+/// Moves (px, py) by d along the right-hand normal of the straight segment (x1, y1)-(x2, y2):
+/// the point plus (d/L)*(dy, -dx). The caller has rejected segments shorter than eps.
+inline void moveAlongNormal(double d, double x1, double y1, double x2, double y2, double px,
+                            double py, double* ox, double* oy) {
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  const double k = d / std::sqrt(dx * dx + dy * dy);
+  *ox = px + k * dy;
+  *oy = py + k * -dx;
+}
+
+/// Moves (px, py), a point of the circle about (cx, cy) with radius r, onto the concentric
+/// circle of radius rMoved: centre + (p - centre)*rMoved/r.
+inline void moveRadially(double cx, double cy, double r, double rMoved, double px, double py,
+                         double* ox, double* oy) {
+  *ox = cx + (px - cx) * rMoved / r;
+  *oy = cy + (py - cy) * rMoved / r;
+}
+
+/// The angles of a bulge arc (counter-clockwise sa to ea, as PL_ArcParam gives them) in the
+/// order of travel: a clockwise arc runs from ea back to sa.
+inline void arcAnglesInTravelOrder(double bulge, double sa, double ea, double* start, double* end) {
+  if (bulge > 0.0) {
+    *start = sa;
+    *end = ea;
+  } else {
+    *start = ea;
+    *end = sa;
+  }
+}
+
+/// Where the angle lies on the sweep from start to end: 0 at start, 1 at end.
+inline double sweepFraction(double angle, double start, double end) {
+  return (angle - start) / (end - start);
+}
+
+/// Brings an angle into [lo - eps, hi + eps] by whole turns: 2 pi is added while it is below
+/// lo - eps, then subtracted while it is above hi + eps.
+inline void bringAngleIntoRange(double& angle, double lo, double hi, double eps) {
+  addTurnsWhileBelow(angle, lo - eps);
+  subtractTurnsWhileAbove(angle, hi + eps);
+}
+
+/// Shifts the range [lo, hi] by whole turns, both ends together, so that it reaches the angle
+/// with eps slack: lowered while lo lies above angle + eps, then raised while hi lies below
+/// angle - eps.
+inline void shiftRangeToReach(double& lo, double& hi, double angle, double eps) {
+  subtractTurnsWhileAbove(lo, angle + eps, &hi);
+  addTurnsWhileBelow(hi, angle - eps, &lo);
+}
+
+}  // namespace tarnsysm::detail
+
+// ---- Offset driver and loop trimming (driver.cpp, trim.cpp) -----------------------------------
+
+namespace tarnsysm::detail {
+
+/// The part of the signed `step` that segment i (row i to row i+1, or to row 0 for the closing
+/// segment) can take before it shrinks to a point or, for an arc moving towards its centre,
+/// before its radius reaches 0. Returns step when nothing limits it, 0.0 for n < 2 and step for
+/// n = 2 or an index without a segment. See driver.cpp for the side signs.
+double OffsetStepLimit(double eps, double step, int i, int closed, int n, double (*const v)[5]);
+
+/// Writes the polyline moved by `step` into rows 0 .. of v and returns the new row count; reads
+/// a copy of the n rows kept in rows n .. 2n-1 (v holds 2n rows). Returns 0 for n < 2.
+int BuildOffsetPLine(double eps, double step, int closed, int n, double (*const v)[5]);
+
+/// BuildOffsetPLine in an array of `capacity` rows: the copy of the n rows goes to the top,
+/// rows capacity-n .. capacity-1, and the moved rows grow from row 0. Returns -1, with the rows
+/// in an unspecified state, when the moved rows would reach a copied row that is still to be
+/// read or run past the capacity.
+int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*const v)[5],
+                           long long capacity);
+
+}  // namespace tarnsysm::detail
