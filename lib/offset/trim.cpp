@@ -464,13 +464,18 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
   std::unique_ptr<RowArray> saved;
   double best = 1e100;
   int i = m >= 2 ? scan.next(0) : -1;
+  int adjacentCutAt = -1;
   while (i != -1 && scan.hasSegment(i)) {
     double x, y;
     const int j = scan.firstCrossingBelow(i, &x, &y);
-    if (j < 0) {
+    // Once the loop between two segments that share a row is cut, they meet only at X. Where
+    // round-off (coordinates far beyond 1/eps) still reports a second crossing, cutting again
+    // changes nothing and would repeat forever: move on.
+    if (j < 0 || (j == scan.prev(i) && adjacentCutAt == i)) {
       i = scan.next(i);
       continue;
     }
+    adjacentCutAt = j == scan.prev(i) ? i : -1;
     const Segment segI = scan.segment(i);
     const Segment segJ = scan.segment(j);
     double headJ, tailJ, headI, tailI;
