@@ -4,20 +4,20 @@
 //
 // Step limit, side signs. A straight segment of length L between two straight neighbours
 // shrinks at each end while it moves: moving by x towards the side on which the neighbour lies
-// pulls that end back by x·tan(phi/2), phi the deflection angle at the corner (the angle
+// pulls that end back by x*tan(phi/2), phi the deflection angle at the corner (the angle
 // between the two unit normals); moving away pushes it out by as much. With c = cot(phi/2) and
 // s = +1 when the neighbour's far vertex lies to the right of the segment (the side a positive
-// offset moves to), -1 when to the left, the moved length is L - x·(s_A/c_A + s_B/c_B), which
+// offset moves to), -1 when to the left, the moved length is L - x*(s_A/c_A + s_B/c_B), which
 // reaches 0 at
-//     x = L / (s_A/c_A + s_B/c_B) = L·cA·cB / (cA + cB)    with cA = s_A·c_A, cB = s_B·c_B.
+//     x = L / (s_A/c_A + s_B/c_B) = L*cA*cB / (cA + cB)    with cA = s_A*c_A, cB = s_B*c_B.
 // That is the concurrency point of the three moved lines: the point at signed distance x from
 // all three. An end whose neighbour runs along the segment's own line (its line passes through
 // the far end within eps: a straight continuation, or a reversal that the builder bridges with
 // a half circle) does not move along the segment, and the other end alone decides:
-// x = L·cB (or L·cA). The open end of an open polyline moves straight along the normal (the
+// x = L*cB (or L*cA). The open end of an open polyline moves straight along the normal (the
 // builder places it with GetOffsetP), so it is such an end too: its virtual neighbour, the
 // perpendicular through the end point, stays where it is. Where an arc is involved the open end
-// E(x) = P + x·n lies on the moved segment at every x, and the event is the x at which the
+// E(x) = P + x*n lies on the moved segment at every x, and the event is the x at which the
 // moved neighbour passes through E(x) (linear in x for a line and for a circle alike).
 //
 // Bridges. Where two moved segments do not meet, the builder joins them with a half circle
@@ -43,9 +43,9 @@ namespace {
 
 // ---- Event solvers ---------------------------------------------------------------------------
 
-// The moving point X(x) = p·x + q of two conditions, and the circle (c, r) it must stay at
-// distance r + x from: |p·x + q - c|² = (r + x)², i.e.
-//   (|p|² - 1)·x² + 2((q - c)·p - r)·x + |q - c|² - r² = 0.
+// The moving point X(x) = p*x + q of two conditions, and the circle (c, r) it must stay at
+// distance r + x from: |p*x + q - c|^2 = (r + x)^2, i.e.
+//   (|p|^2 - 1)*x^2 + 2((q - c)*p - r)*x + |q - c|^2 - r^2 = 0.
 // Of its roots the nearest one reached before the step on the step's side wins; ties keep the
 // earlier root.
 int pickEventRoot(double eps, double step, double px, double py, double qx, double qy, double cx,
@@ -70,9 +70,9 @@ int pickEventRoot(double eps, double step, double px, double py, double qx, doub
 
 // The linear condition that the point X is at distance r1 + x from circle 1 and r2 + x from
 // circle 2 (the difference of the two squared conditions):
-//   2(C2 - C1)·X + K - 2(r1 - r2)·x = 0,
+//   2(C2 - C1)*X + K - 2(r1 - r2)*x = 0,
 //   K = (c1x - c2x)(c1x + c2x) + (c1y - c2y)(c1y + c2y) - (r1 - r2)(r1 + r2).
-// Written as u·X.x + w·X.y = g·x + h.
+// Written as u*X.x + w*X.y = g*x + h.
 struct LinearCondition {
   double u, w, g, h;
 };
@@ -83,7 +83,7 @@ LinearCondition circlePairCondition(double c1x, double c1y, double r1, double c2
   return {2.0 * (c2x - c1x), 2.0 * (c2y - c1y), 2.0 * (r1 - r2), -k};
 }
 
-// Solves u1·X + w1·Y = g1·x + h1, u2·X + w2·Y = g2·x + h2 for X(x) = p·x + q by Cramer's rule;
+// Solves u1*X + w1*Y = g1*x + h1, u2*X + w2*Y = g2*x + h2 for X(x) = p*x + q by Cramer's rule;
 // false when the determinant is within eps (open).
 bool solveMovingPoint(double eps, const LinearCondition& e1, const LinearCondition& e2, double* px,
                       double* py, double* qx, double* qy) {
@@ -100,7 +100,7 @@ bool solveMovingPoint(double eps, const LinearCondition& e1, const LinearConditi
 // ---- Elements of the step limit --------------------------------------------------------------
 
 // A segment as the step limit sees it: a line (unit right-hand normal (a, b) and constant c, the
-// signed distance of (x, y) being a·x + b·y + c) or a circle (centre and radius, negated for a
+// signed distance of (x, y) being a*x + b*y + c) or a circle (centre and radius, negated for a
 // clockwise arc, so that the moved circle has radius r + x either way).
 struct Element {
   bool valid = false;  // false: a straight segment shorter than eps, no direction
@@ -195,10 +195,10 @@ double threeLineLimit(double eps, double step, const Element& cur, const Element
   return step;
 }
 
-// The open end P of the current segment moves along its right-hand normal n0: E(x) = P + x·n0.
+// The open end P of the current segment moves along its right-hand normal n0: E(x) = P + x*n0.
 // The segment vanishes when the moved neighbour passes through E(x):
-//   line:   a·E + b·E + c = x       ->  x = (a·P.x + b·P.y + c) / (1 - (a, b)·n0)
-//   circle: |E - C|² = (r + x)²     ->  x = (|P - C|² - r²) / (2(r - n0·(P - C)))
+//   line:   a*E + b*E + c = x       ->  x = (a*P.x + b*P.y + c) / (1 - (a, b)*n0)
+//   circle: |E - C|^2 = (r + x)^2     ->  x = (|P - C|^2 - r^2) / (2(r - n0*(P - C)))
 // The root is filtered like the solvers' roots.
 double openEndLimit(double eps, double step, const Element& cur, double px, double py,
                     const Element& nb) {
@@ -306,7 +306,7 @@ class MovedRows {
 };
 
 // Sign of the half circle that bridges from (ex, ey) to (sx, sy) when travel arrived in
-// direction (tx, ty): the opposite of the sign of chord × direction.
+// direction (tx, ty): the opposite of the sign of chord x direction.
 double bridgeBulge(double ex, double ey, double sx, double sy, double tx, double ty) {
   const double cross = (sx - ex) * ty - (sy - ey) * tx;
   return cross > 0.0 ? -1.0 : 1.0;
@@ -321,7 +321,7 @@ struct Incoming {
 };
 
 // Appends the row that ends the moved incoming segment at parameter tEnd. For an arc the bulge
-// of the row before is cut to the sweep between tStart and tEnd: sign(bulge)·tan(delta/4), 0
+// of the row before is cut to the sweep between tStart and tEnd: sign(bulge)*tan(delta/4), 0
 // for a sweep of 2 pi - eps or more (a full circle has no bulge). A chord shorter than eps
 // drops the new row instead and gives the row before `bulgeAfter`, the bulge of what follows.
 bool appendSegmentEnd(double eps, MovedRows& out, const Incoming& in, double tEnd, double x,
@@ -423,7 +423,7 @@ bool lineArcFeet(double eps, double d, const double* l1, const double* l2, const
 int LLCOffset(double eps, double step, double a1, double b1, double c1, double a2, double b2,
               double c2, double cx, double cy, double r, double* out) {
   *out = step;
-  // Two lines a·X + b·Y + c = x: the point at distance x from both.
+  // Two lines a*X + b*Y + c = x: the point at distance x from both.
   const LinearCondition e1{a1, b1, 1.0, -c1};
   const LinearCondition e2{a2, b2, 1.0, -c2};
   double px, py, qx, qy;
@@ -676,9 +676,11 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
   const long long capacity = 2LL * n;
   const long long maxSteps = kStepsPerRow * n + kStepAllowance;
 
-  n = TrimLoopS(eps, pick, closed, n, v);
-  double s = 0.0;
-  if (!PLineDist(eps, *closed, n, v, pick, &s))
+  // Trimming the input measures the picked point's distance from it too, as a rule.
+  TrimMeasure measure;
+  n = trimLoopsAndMeasure(eps, pick, closed, n, v, &measure);
+  double s = measure.dist;
+  if (measure.known ? !measure.ok : !PLineDist(eps, *closed, n, v, pick, &s))
     return 0;
   // The picked point lies on the polyline: no side to offset to.
   if (withinOpen(s, eps) || std::isnan(s))

@@ -110,4 +110,18 @@ int BuildOffsetPLine(double eps, double step, int closed, int n, double (*const 
 int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*const v)[5],
                            long long capacity);
 
+/// What trimLoopsAndMeasure learnt of PLineDist(eps, *closed, result rows, pick) on the way:
+/// when `known`, `ok` and `dist` are what that call would return and write (dist is only
+/// guaranteed to lie within eps of 0 when the picked point lies on the result).
+struct TrimMeasure {
+  bool known = false;
+  bool ok = false;
+  double dist = 0.0;
+};
+
+/// TrimLoopS (pick, closed and v must be valid) that also reports the picked point's distance
+/// from the result when it was measured on the way.
+int trimLoopsAndMeasure(double eps, double* const pick, int* closed, int n, double (*const v)[5],
+                        TrimMeasure* measure);
+
 }  // namespace tarnsysm::detail

@@ -109,42 +109,92 @@ TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1
 
 // ---- Offset driver and event solvers ------------------------------------------------------------
 
-/// Offsets the polyline in place, by dist or through the picked point.
+/// Offsets the polyline v (n rows, closed flag *closed) in place, keeping lines straight and arcs
+/// concentric, and removes the loops the offset makes, keeping the piece nearest the picked
+/// point pick = (pick[0], pick[1]). The side comes from the picked point (positive distances lie
+/// to the right of travel); with `through` non-zero the offset passes through the point and dist
+/// is ignored, otherwise it moves |dist|. The offset advances in steps, none longer than the
+/// distance at which a segment would shrink to a point or an arc to its centre, and trims after
+/// each step.
+///
+/// Room: v must hold 2n rows. Each step writes the moved rows from row 0 up while reading a copy
+/// of the current rows kept at the top of those 2n rows; rows beyond the result are scratch.
+/// Nothing is written past row 2n - 1, and a step whose rows and copy would not both fit (half
+/// circles that bridge corners add rows, and later steps add more) makes the call return 0.
+///
+/// Returns the row count of the result (2 or more), or 0 when the offset cannot be made: the
+/// picked point lies on the polyline (within eps) or its distance cannot be measured, the
+/// polyline collapses, a two-row polyline would need more than one step, a step would not fit,
+/// the distance is not finite, or more than 4n + 256 steps would be needed. On 0 the rows are
+/// left as the last step left them: keep a copy. A non-zero *closed is set to 1; trimming may
+/// set it to 1 when a loop is kept, and a closed result of two straight rows is returned open.
 TARNSYSM_API int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
                              double* const pick, double dist);
 
-/// Event solvers: the distance x at which the two lines and the circle, each moved by x, pass
-/// through one point.
+// The event solvers find the distance x at which three elements, each moved by x, pass through
+// one point: a line is its unit normal and constant (a, b, c), the signed distance of (X, Y)
+// being a X + b Y + c; a circle is its centre and a signed radius r (negated for a clockwise
+// arc), at distance r + x when moved. The roots of the resulting quadratic are taken in the
+// solver's order; a root counts when step * x >= eps and |x| < |*out| - eps, and the smallest
+// such root wins (the earlier on a tie). Each writes *out = step first, so *out holds step on
+// every 0 result, parallel or degenerate configurations included.
+
+/// Event of two lines and a circle. Returns 1 and the event distance in *out, or 0.
 TARNSYSM_API int LLCOffset(double eps, double step, double a1, double b1, double c1, double a2,
                            double b2, double c2, double cx, double cy, double r, double* out);
 
-/// Event solver for circle 1, a line and circle 2.
+/// Event of circle 1, a line and circle 2 (the quadratic is taken with circle 2). Returns 1 and
+/// the event distance in *out, or 0.
 TARNSYSM_API int CLCOffset(double eps, double step, double c1x, double c1y, double r1, double a,
                            double b, double c, double c2x, double c2y, double r2, double* out);
 
-/// Event solver for three circles.
+/// Event of three circles (circles 1 and 2 each against circle 3). Returns 1 and the event
+/// distance in *out, or 0.
 TARNSYSM_API int CCCOffset(double eps, double step, double c1x, double c1y, double r1, double c2x,
                            double c2y, double r2, double c3x, double c3y, double r3, double* out);
 
 // ---- Loop trimming and distances --------------------------------------------------------------
 
-/// Removes zero-length segments (rows within sqrt(eps) of the last kept row); returns the new
-/// row count.
+/// Removes zero-length segments in place: a row whose squared distance from the last kept row
+/// is at most eps (rows within sqrt(eps)) merges into it, the kept row taking the later row's
+/// bulge and attributes; a closed polyline of at least three kept rows also loses its last row
+/// when that lies closer than that to row 0 (strictly: the closing test keeps the row at
+/// equality). Returns the new row count; fewer than 2 rows are returned as they are (a negative
+/// count as 0).
 TARNSYSM_API int TrimLoop0(double eps, int closed, int n, double (*const v)[5]);
 
-/// Removes all self-intersection loops, keeping the piece nearest to the picked point.
+/// Removes every self-intersection loop in place, keeping the piece nearest to the picked point
+/// pick: each segment is tested against the earlier ones, nearest first, and the first crossing
+/// cuts a loop out. A loop the picked point lies on is returned at once; otherwise the remaining
+/// polyline is kept unless a loop lies strictly nearer (by PLineDist), in which case that loop
+/// is returned. A returned loop sets *closed to 1. Rows are only ever removed or cut: the result
+/// has at most n rows, none written beyond row n - 1. A cut row takes the attributes of the row
+/// that ends the loop; rows inside a returned loop keep theirs. Straight segments cross an arc
+/// only where the crossing lies on the arc and within the straight segment. Returns the new row
+/// count (0 for n <= 0). If memory runs out, the rows and *closed are left untouched and n is
+/// returned.
 TARNSYSM_API int TrimLoopS(double eps, double* const pick, int* closed, int n,
                            double (*const v)[5]);
 
-/// Signed distance from p to the polyline into *dist.
+/// Signed distance from p = (p[0], p[1]) to the polyline into *dist, positive to the right of
+/// travel: the smallest distance by which some three-row piece (VertexDist) must be offset to
+/// pass through p, counting only pieces whose middle row p can see (IntersPLine); a single open
+/// segment gives its perpendicular or radial distance. Returns 1, or 0 with *dist untouched for
+/// fewer than 2 rows, a single degenerate segment, or no visible piece.
 TARNSYSM_API int PLineDist(double eps, int closed, int n, double (*const v)[5], double* const p,
                            double* dist);
 
-/// Signed distance from p to the two-segment piece (x1, y1) - (x2, y2) - (x3, y3).
+/// Signed distance from p to the two-segment piece (x1, y1) - (x2, y2) - (x3, y3) with the bulges
+/// of its two segments: tries the distance to the first segment's line or circle, then to the
+/// second's, then the distance to the middle row, and returns 1 with the first that puts p on the
+/// piece offset by it (an arc's distance is (|p - C| - R) * sign(bulge)). Returns 0, *dist
+/// untouched, when none does.
 TARNSYSM_API int VertexDist(double eps, double* const p, double x1, double y1, double bulge1,
                             double x2, double y2, double bulge2, double x3, double y3,
                             double* dist);
 
-/// 1 when the straight segment from row k to (px, py) crosses a segment not touching row k.
+/// 1 when the straight segment from row k to (px, py) crosses a segment of the polyline that does
+/// not touch row k (the closing segment touches row 0): within both segments for a line, on the
+/// arc and within the sight segment for an arc. 0 otherwise, and for k outside 0 .. n-1.
 TARNSYSM_API int IntersPLine(double eps, int k, double px, double py, int closed, int n,
                              double (*const v)[5]);

@@ -2,8 +2,6 @@
 // Bounding-box tree over polyline segments: padded segment boxes, build, removal, side tests.
 #include "offset/segment_index.h"
 
-#include "arcs/arcs.h"
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -15,81 +13,104 @@ SegmentBox SegmentBox::empty() {
   return {inf, inf, -inf, -inf};
 }
 
-SegmentBox paddedSegmentBox(double eps, double x1, double y1, double x2, double y2, bool isArc,
-                            double cx, double cy, double r, double sa, double ea) {
-  SegmentBox box{std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2)};
-  double radius = 0.0;
-  if (isArc) {
-    double centre[2] = {cx, cy};
-    double xmin, ymin, xmax, ymax;
-    get_arc_box(eps, centre, r, sa, ea, &xmin, &ymin, &xmax, &ymax);
-    box.xmin = std::min(box.xmin, xmin);
-    box.ymin = std::min(box.ymin, ymin);
-    box.xmax = std::max(box.xmax, xmax);
-    box.ymax = std::max(box.ymax, ymax);
-    radius = std::fabs(r);
-  }
-  const double chord = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
-  const double size = std::max(
-      {std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin), std::fabs(box.ymax)});
-  // Tolerances reach eps·L along a line, eps·R along an arc and eps across either; a few times
-  // that, plus a relative margin for round-off in near-parallel cases, keeps the box a superset
-  // of everything the intersection routines can accept. A larger box only costs a test.
-  const double slackTol = 8.0 * std::fabs(eps) * (1.0 + chord + radius);
-  const double slackRound = 1e-12 * (1.0 + size + chord + radius);
-  const double pad = slackTol + slackRound;
-  box.xmin -= pad;
-  box.ymin -= pad;
-  box.xmax += pad;
-  box.ymax += pad;
-  if (!std::isfinite(box.xmin) || !std::isfinite(box.ymin) || !std::isfinite(box.xmax) ||
-      !std::isfinite(box.ymax)) {
-    return SegmentBox::empty();
-  }
-  return box;
+SegmentIndex::Node SegmentIndex::nodeOf(const SegmentBox& b) {
+  // Lower bounds move down and upper bounds up by more than the rounding to float (half a unit
+  // in the last place, about 6e-8 relative, or a tiny absolute amount near 0), so the float box
+  // holds the double one; a finite bound beyond the float range becomes the largest float (or
+  // infinity) on the safe side.
+  constexpr float kMax = std::numeric_limits<float>::max();
+  constexpr float kInf = std::numeric_limits<float>::infinity();
+  const auto down = [](double v) {
+    if (!(v > -kMax))
+      return -kInf;
+    if (v > kMax)
+      return kMax;
+    return static_cast<float>(v - std::fabs(v) * 2.4e-7 - 1e-37);
+  };
+  const auto up = [](double v) {
+    if (!(v < kMax))
+      return kInf;
+    if (v < -kMax)
+      return -kMax;
+    return static_cast<float>(v + std::fabs(v) * 2.4e-7 + 1e-37);
+  };
+  return {down(b.xmin), down(b.ymin), up(b.xmax), up(b.ymax)};
 }
 
-void SegmentIndex::build(const std::vector<SegmentBox>& boxes) {
-  count_ = static_cast<int>(boxes.size());
+SegmentIndex::Node SegmentIndex::unite(const Node& a, const Node& b) {
+  return {std::min(a.xmin, b.xmin), std::min(a.ymin, b.ymin), std::max(a.xmax, b.xmax),
+          std::max(a.ymax, b.ymax)};
+}
+
+void SegmentIndex::allocate(int count) {
+  count_ = count > 0 ? count : 0;
   leaves_ = 1;
   while (leaves_ < count_)
     leaves_ *= 2;
-  nodes_.assign(2 * static_cast<size_t>(leaves_), SegmentBox::empty());
-  for (int i = 0; i < count_; ++i)
-    nodes_[leaves_ + i] = boxes[i];
-  for (int k = leaves_ - 1; k >= 1; --k) {
-    const SegmentBox& a = nodes_[2 * k];
-    const SegmentBox& b = nodes_[2 * k + 1];
-    nodes_[k] = {std::min(a.xmin, b.xmin), std::min(a.ymin, b.ymin), std::max(a.xmax, b.xmax),
-                 std::max(a.ymax, b.ymax)};
+  nodes_.assign(2 * static_cast<size_t>(leaves_), nodeOf(SegmentBox::empty()));
+}
+
+// Recomputes the parents of nodes lo .. hi, one level at a time up to the root.
+void SegmentIndex::refitAbove(int lo, int hi) {
+  for (lo /= 2, hi /= 2; lo >= 1; lo /= 2, hi /= 2) {
+    for (int k = lo; k <= hi; ++k)
+      nodes_[k] = unite(nodes_[2 * k], nodes_[2 * k + 1]);
+    if (lo == 1)
+      break;
   }
 }
 
 void SegmentIndex::remove(int id) {
-  if (id < 0 || id >= count_)
+  removeRange(id, id);
+}
+
+void SegmentIndex::removeRange(int first, int last) {
+  if (first < 0)
+    first = 0;
+  if (last >= count_)
+    last = count_ - 1;
+  if (first > last)
     return;
-  int k = leaves_ + id;
-  nodes_[k] = SegmentBox::empty();
-  for (k /= 2; k >= 1; k /= 2) {
-    const SegmentBox& a = nodes_[2 * k];
-    const SegmentBox& b = nodes_[2 * k + 1];
-    nodes_[k] = {std::min(a.xmin, b.xmin), std::min(a.ymin, b.ymin), std::max(a.xmax, b.xmax),
-                 std::max(a.ymax, b.ymax)};
+  const Node empty = nodeOf(SegmentBox::empty());
+  for (int k = leaves_ + first; k <= leaves_ + last; ++k)
+    nodes_[k] = empty;
+  refitAbove(leaves_ + first, leaves_ + last);
+}
+
+SightSegment::SightSegment(double x1, double y1, double x2, double y2, double pad)
+    : box_{std::min(x1, x2) - pad, std::min(y1, y2) - pad, std::max(x1, x2) + pad,
+           std::max(y1, y2) + pad},
+      x1_(x1),
+      y1_(y1),
+      nx_(0.0),
+      ny_(0.0),
+      pad_(pad),
+      hasLine_(false) {
+  // Unit normal of the segment's line; a point has no line, the box test alone decides.
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  const double len = std::sqrt(dx * dx + dy * dy);
+  if (len > 0.0 && len < 1e300) {
+    nx_ = dy / len;
+    ny_ = -dx / len;
+    hasLine_ = true;
   }
 }
 
-bool SegmentIndex::lineSeparates(int node, double x1, double y1, double nx, double ny,
-                                 double pad) const {
+bool SightSegment::mayMeet(const SegmentBox& b) const {
+  if (!box_.overlaps(b))
+    return false;
+  if (!hasLine_)
+    return true;
   // The box lies wholly on one side of the line, farther than pad: the signed distances of its
   // nearest and farthest corners along the normal have the same sign.
-  const SegmentBox& b = nodes_[node];
-  const double ax = (nx >= 0.0 ? b.xmin : b.xmax) - x1;
-  const double ay = (ny >= 0.0 ? b.ymin : b.ymax) - y1;
-  const double bx = (nx >= 0.0 ? b.xmax : b.xmin) - x1;
-  const double by = (ny >= 0.0 ? b.ymax : b.ymin) - y1;
-  const double lowest = ax * nx + ay * ny;
-  const double highest = bx * nx + by * ny;
-  return lowest > pad || highest < -pad;
+  const double ax = (nx_ >= 0.0 ? b.xmin : b.xmax) - x1_;
+  const double ay = (ny_ >= 0.0 ? b.ymin : b.ymax) - y1_;
+  const double bx = (nx_ >= 0.0 ? b.xmax : b.xmin) - x1_;
+  const double by = (ny_ >= 0.0 ? b.ymax : b.ymin) - y1_;
+  const double lowest = ax * nx_ + ay * ny_;
+  const double highest = bx * nx_ + by * ny_;
+  return !(lowest > pad_ || highest < -pad_);
 }
 
 }  // namespace tarnsysm::detail

@@ -18,25 +18,35 @@ struct SegmentBox {
   }
 };
 
-/// The box of the segment from (x1, y1) to (x2, y2) with the given bulge, grown by a margin that
-/// covers every tolerance the intersection routines apply to it: eps as a parameter tolerance
-/// along a line (eps·L), as an angular tolerance on an arc (eps·R), as a length, plus round-off
-/// of the coordinates. (cx, cy, r, sa, ea) is the arc as PL_ArcParam gives it when isArc is set;
-/// the arc's own box comes from get_arc_box, joined with both end points. A segment with a
-/// coordinate or margin that is not finite gets the empty box: it is left out of the index.
-SegmentBox paddedSegmentBox(double eps, double x1, double y1, double x2, double y2, bool isArc,
-                            double cx, double cy, double r, double sa, double ea);
+/// A straight segment grown by a margin, for quick tests against boxes: its own box, then the
+/// side of its line.
+class SightSegment {
+ public:
+  SightSegment(double x1, double y1, double x2, double y2, double pad);
+
+  /// False when the box certainly lies apart from the grown segment.
+  bool mayMeet(const SegmentBox& box) const;
+
+ private:
+  SegmentBox box_;
+  double x1_, y1_, nx_, ny_, pad_;
+  bool hasLine_;
+};
 
 /// A balanced binary tree of boxes over the ids 0 .. count-1, leaves in id order, each inner node
 /// holding the union of its leaves. Ids can be removed (their leaf becomes empty); boxes never
 /// grow, so a stored box may only be larger than its segment, never smaller.
 class SegmentIndex {
  public:
-  /// Builds the tree over boxes[0 .. count-1] in O(count).
-  void build(const std::vector<SegmentBox>& boxes);
+  /// Builds the tree over the boxes boxOf(0) .. boxOf(count - 1) in O(count).
+  template <class BoxOf>
+  void build(int count, BoxOf&& boxOf);
 
   /// Leaves id out of every later query.
   void remove(int id);
+
+  /// Leaves the ids first .. last out of every later query.
+  void removeRange(int first, int last);
 
   /// Calls visit(id) for the ids below `limit` whose boxes overlap `query`, in decreasing id
   /// order, until visit returns true; returns whether it did.
@@ -51,37 +61,63 @@ class SegmentIndex {
                          Visit&& visit) const;
 
  private:
-  bool lineSeparates(int node, double x1, double y1, double nx, double ny, double pad) const;
+  // Boxes are kept in single precision, rounded outwards, which halves the tree's memory.
+  struct Node {
+    float xmin, ymin, xmax, ymax;
+
+    bool overlaps(const SegmentBox& q) const {
+      return xmin <= q.xmax && q.xmin <= xmax && ymin <= q.ymax && q.ymin <= ymax;
+    }
+    operator SegmentBox() const { return {xmin, ymin, xmax, ymax}; }
+  };
+  static Node nodeOf(const SegmentBox& b);
+  static Node unite(const Node& a, const Node& b);
+  void allocate(int count);
+  void refitAbove(int lo, int hi);
 
   int leaves_ = 0;  // a power of two, at least 1
   int count_ = 0;
-  std::vector<SegmentBox> nodes_;  // 1-based heap: node k has children 2k and 2k + 1
+  std::vector<Node> nodes_;  // 1-based heap: node k has children 2k and 2k + 1
 };
+
+template <class BoxOf>
+void SegmentIndex::build(int count, BoxOf&& boxOf) {
+  allocate(count);
+  for (int i = 0; i < count; ++i)
+    nodes_[leaves_ + i] = nodeOf(boxOf(i));
+  refitAbove(leaves_, 2 * leaves_ - 1);
+}
 
 template <class Visit>
 bool SegmentIndex::visitBelowDescending(int limit, const SegmentBox& query, Visit&& visit) const {
-  if (count_ == 0 || limit <= 0)
+  if (limit > count_)
+    limit = count_;
+  if (limit <= 0)
     return false;
-  // Depth-first, right child first, so leaves come out in decreasing id order. The stack holds
-  // at most one pending left sibling per level.
-  struct Item {
-    int node, lo, width;
-  };
-  Item stack[64];
-  int top = 0;
-  stack[top++] = {1, 0, leaves_};
-  while (top > 0) {
-    const Item it = stack[--top];
-    if (it.lo >= limit || !nodes_[it.node].overlaps(query))
+  // Climb from the leaf just below the limit: every left sibling on the way up holds the next
+  // lower ids, so visiting each (right child first) yields decreasing ids. The stack holds at most
+  // one pending left child per level.
+  int node = leaves_ + limit - 1;
+  if (nodes_[node].overlaps(query) && visit(limit - 1))
+    return true;
+  int stack[64];
+  for (; node > 1; node /= 2) {
+    if ((node & 1) == 0 || !nodes_[node - 1].overlaps(query))
       continue;
-    if (it.width == 1) {
-      if (visit(it.lo))
-        return true;
-      continue;
+    int top = 0;
+    stack[top++] = node - 1;
+    while (top > 0) {
+      const int k = stack[--top];
+      if (k >= leaves_) {
+        if (visit(k - leaves_))
+          return true;
+        continue;
+      }
+      if (nodes_[2 * k].overlaps(query))
+        stack[top++] = 2 * k;
+      if (nodes_[2 * k + 1].overlaps(query))
+        stack[top++] = 2 * k + 1;
     }
-    const int half = it.width / 2;
-    stack[top++] = {2 * it.node, it.lo, half};
-    stack[top++] = {2 * it.node + 1, it.lo + half, half};
   }
   return false;
 }
@@ -91,23 +127,13 @@ bool SegmentIndex::visitAlongSegment(double x1, double y1, double x2, double y2,
                                      Visit&& visit) const {
   if (count_ == 0)
     return false;
-  const SegmentBox query{(x1 < x2 ? x1 : x2) - pad, (y1 < y2 ? y1 : y2) - pad,
-                         (x1 < x2 ? x2 : x1) + pad, (y1 < y2 ? y2 : y1) + pad};
-  // Unit normal of the segment's line; a point has no line, the box test alone decides.
-  const double dx = x2 - x1;
-  const double dy = y2 - y1;
-  const double len = std::sqrt(dx * dx + dy * dy);
-  const bool hasLine = len > 0.0 && len < 1e300;
-  const double nx = hasLine ? dy / len : 0.0;
-  const double ny = hasLine ? -dx / len : 0.0;
+  const SightSegment sight(x1, y1, x2, y2, pad);
   int stack[64];
   int top = 0;
   stack[top++] = 1;
   while (top > 0) {
     const int node = stack[--top];
-    if (!nodes_[node].overlaps(query))
-      continue;
-    if (hasLine && lineSeparates(node, x1, y1, nx, ny, pad))
+    if (!sight.mayMeet(static_cast<SegmentBox>(nodes_[node])))
       continue;
     if (node >= leaves_) {
       if (visit(node - leaves_))
