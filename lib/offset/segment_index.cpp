@@ -21,6 +21,11 @@ SegmentIndex::Node SegmentIndex::nodeOf(const SegmentBox& b) {
   // infinity) on the safe side.
   constexpr float kMax = std::numeric_limits<float>::max();
   constexpr float kInf = std::numeric_limits<float>::infinity();
+  // The empty box stays infinite: clamped to the largest floats it would overlap a query that
+  // spans the whole float range (coordinates near 1e150), and removed or padding leaves would
+  // be visited.
+  if (b.xmin > b.xmax || b.ymin > b.ymax)
+    return {kInf, kInf, -kInf, -kInf};
   const auto down = [](double v) {
     if (!(v > -kMax))
       return -kInf;

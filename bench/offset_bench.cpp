@@ -1,0 +1,149 @@
+// Tarnsysm: planar computational geometry for 2D drafting.
+// Benchmarks of PLineOffset on the shared test shapes (circle, gear, rounded rectangle, star).
+//
+// Each case offsets one closed shape of N vertices by a fixed distance to one side, the side
+// given by a pick point clearly on it, as an interactive offset would. Report medians of
+// repeated runs, for example:
+//   tarnsysm_offset_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+// The "rows" counter is the result of the last call: 0 means the offset failed, and the time
+// then measures a failure, not an offset.
+#include <Tarnsysm.h>
+
+#include "shapes.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using tarnsysm::bench::makeShape;
+using tarnsysm::bench::ShapeKind;
+using tarnsysm::bench::shapeName;
+using tarnsysm::bench::shapeSize;
+using tarnsysm::bench::ShapeVertex;
+
+enum class Side { kInward, kOutward };
+
+constexpr double kEps = 1e-9;
+
+struct OffsetCase {
+  ShapeKind kind;
+  Side side;
+  double distance;
+  std::vector<int> sizes;
+};
+
+// The pick point decides the side. Outward: well outside every shape (3 S on the x axis, a
+// little off it so that it does not line up with the vertex at angle 0). Inward, circle and
+// rounded rectangle: next to the centre. Inward, gear and star: the picked point's distance is
+// the one at which the raw offset of some three-vertex piece passes through it, and no such piece
+// of a toothed outline passes through the centre (the offset would fail), so the pick sits just
+// inside the middle of the first tooth flank (segment 0, straight), a twentieth of the vertex
+// spacing 2 pi S / N away from it, as a user would click next to the outline.
+void pickPoint(ShapeKind kind, const std::vector<ShapeVertex>& shape, Side side, double* pick) {
+  const int n = static_cast<int>(shape.size());
+  if (side == Side::kOutward) {
+    pick[0] = 3.0 * shapeSize(kind, n);
+    pick[1] = 0.1;
+  } else if (kind == ShapeKind::kCircle || kind == ShapeKind::kRoundedRect) {
+    pick[0] = 0.1;
+    pick[1] = 0.05;
+  } else {
+    const double dx = shape[1].x - shape[0].x;
+    const double dy = shape[1].y - shape[0].y;
+    const double length = std::sqrt(dx * dx + dy * dy);
+    const double h = 0.05 * 2.0 * tarnsysm::detail::kPi * shapeSize(kind, n) / n;
+    // Left of travel is inside a counter-clockwise outline.
+    pick[0] = (shape[0].x + shape[1].x) / 2.0 - dy / length * h;
+    pick[1] = (shape[0].y + shape[1].y) / 2.0 + dx / length * h;
+  }
+}
+
+// Rows in the library's layout: field 3 numbers the source vertex, field 4 is 0.
+void fillRows(const std::vector<ShapeVertex>& shape, double (*rows)[5]) {
+  for (std::size_t i = 0; i < shape.size(); ++i) {
+    rows[i][0] = shape[i].x;
+    rows[i][1] = shape[i].y;
+    rows[i][2] = shape[i].bulge;
+    rows[i][3] = static_cast<double>(i);
+    rows[i][4] = 0.0;
+  }
+}
+
+void offsetShape(benchmark::State& state, ShapeKind kind, Side side, double distance) {
+  const int n = static_cast<int>(state.range(0));
+  const std::vector<ShapeVertex> shape = makeShape(kind, n);
+  // The caller's array needs room for twice the input rows.
+  std::unique_ptr<double[][5]> source(new double[2 * static_cast<std::size_t>(n)][5]());
+  std::unique_ptr<double[][5]> rows(new double[2 * static_cast<std::size_t>(n)][5]());
+  fillRows(shape, source.get());
+  double pick[2];
+  pickPoint(kind, shape, side, pick);
+
+  int result = 0;
+  for (auto _ : state) {
+    // The offset rewrites its rows in place: give each call a fresh copy, outside the timing.
+    state.PauseTiming();
+    std::memcpy(rows.get(), source.get(), sizeof(double[5]) * static_cast<std::size_t>(n));
+    int closed = 1;
+    state.ResumeTiming();
+
+    result = PLineOffset(kEps, &closed, n, rows.get(), 0, pick, distance);
+    benchmark::DoNotOptimize(result);
+    benchmark::ClobberMemory();
+  }
+  if (result < 0 || result > 2 * n)
+    state.SkipWithError("row count outside the caller's 2n rows");
+  state.counters["rows"] = result;
+  // Seconds per input vertex (shown as 1.2u for 1.2 us).
+  state.counters["per_vertex"] =
+      benchmark::Counter(static_cast<double>(n), benchmark::Counter::kIsIterationInvariantRate |
+                                                     benchmark::Counter::kInvert);
+}
+
+const OffsetCase kCases[] = {
+    {ShapeKind::kCircle, Side::kOutward, 1.0, {1000, 10000, 100000}},
+    {ShapeKind::kCircle, Side::kInward, 50.0, {1000, 10000, 100000}},
+    {ShapeKind::kGear, Side::kInward, 0.5, {1000, 10000, 100000}},
+    {ShapeKind::kGear, Side::kOutward, 0.5, {1000, 10000, 100000}},
+    {ShapeKind::kRoundedRect, Side::kInward, 5.0, {1000, 10000, 100000}},
+    {ShapeKind::kRoundedRect, Side::kOutward, 5.0, {1000, 10000, 100000}},
+    // Heavy self-intersection: quadratic behaviour shows already at 10,000.
+    {ShapeKind::kStar, Side::kInward, 2.0, {1000, 10000}},
+    {ShapeKind::kStar, Side::kInward, 10.0, {1000, 10000}},
+};
+
+// Names read like the measurement table: offset/circle/outward/1/10000.
+void registerCases() {
+  for (const OffsetCase& c : kCases) {
+    std::string distance = std::to_string(c.distance);
+    distance.erase(distance.find_last_not_of('0') + 1);
+    if (distance.back() == '.')
+      distance.pop_back();
+    const std::string name = "offset/" + shapeName(c.kind) + "/" +
+                             (c.side == Side::kInward ? "inward" : "outward") + "/" + distance;
+    benchmark::internal::Benchmark* b =
+        benchmark::RegisterBenchmark(name.c_str(), offsetShape, c.kind, c.side, c.distance);
+    for (int n : c.sizes)
+      b->Arg(n);
+    b->ArgName("N")->Unit(benchmark::kMillisecond);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  registerCases();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,0 +1,101 @@
+#!/usr/bin/env python3
+"""Writes the seed inputs of the offset fuzz target into fuzz/corpus/offset/.
+
+The byte layout is the one documented at the top of fuzz/offset_fuzzer.cpp. Coordinates that
+are multiples of 1/64 in [-256, 256) take two bytes; other values are written as raw
+little-endian doubles (tag 0xC0) or as an index into the target's table of special values.
+Run from anywhere: python3 fuzz/make_seeds.py
+"""
+
+import math
+import os
+import struct
+
+TOLERANCES = [1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1]
+SPECIAL = {"nan": 0, "-nan": 1, "inf": 2, "-inf": 3, "max": 4, "1e300": 8, "-1e300": 9}
+
+
+def value(v):
+    if isinstance(v, str):
+        return bytes([0x80 + SPECIAL[v]])
+    g = v * 64.0
+    if g == int(g) and -0x4000 <= g < 0x4000:
+        code = int(g) + 0x4000
+        return bytes([code >> 8, code & 0xFF])
+    return bytes([0xC0]) + struct.pack("<d", v)
+
+
+def seed(rows, closed=True, pick=(0.0, 0.0), dist=1.0, through=False, trim=False,
+         eps=1e-9, closed_as=1, n=None):
+    count = len(rows) if n is None else n
+    flags = (1 if closed else 0) | (2 if closed and closed_as != 1 else 0)
+    flags |= (4 if through else 0) | (8 if trim else 0)
+    flags |= TOLERANCES.index(eps) << 4
+    out = bytes([(count + 1) % 66, flags]) + value(pick[0]) + value(pick[1]) + value(dist)
+    for x, y, b in rows:
+        out += value(x) + value(y) + value(b)
+    return out
+
+
+SQUARE = [(0.0, 0.0, 0.0), (10.0, 0.0, 0.0), (10.0, 10.0, 0.0), (0.0, 10.0, 0.0)]
+# Closed, crossing itself at (5, 5): a left and a right triangle.
+FIGURE_EIGHT = [(0.0, 0.0, 0.0), (10.0, 10.0, 0.0), (10.0, 0.0, 0.0), (0.0, 10.0, 0.0)]
+# A circle of radius 10 as two counter-clockwise half circles.
+TWO_HALF_ARCS = [(-10.0, 0.0, 1.0), (10.0, 0.0, 1.0)]
+OPEN_MIXED = [(0.0, 0.0, 0.0), (10.0, 0.0, 0.5), (20.0, 0.0, -0.3), (30.0, 5.0, 0.0)]
+
+
+def star(n, outer, inner):
+    rows = []
+    for i in range(n):
+        a = 2.0 * math.pi * i / n
+        r = outer if i % 2 == 0 else inner
+        rows.append((r * math.cos(a), r * math.sin(a), 0.0 if i % 2 == 0 else 0.2))
+    return rows
+
+
+SEEDS = {
+    "square_inward": seed(SQUARE, pick=(5.0, 5.0), dist=2.0),
+    "square_inward_collapse": seed(SQUARE, pick=(5.0, 5.0), dist=6.0),
+    "square_outward": seed(SQUARE, pick=(20.0, 5.0), dist=1.0),
+    "square_through": seed(SQUARE, pick=(5.0, 3.0), through=True, closed_as=7),
+    "square_pick_on_edge": seed(SQUARE, pick=(5.0, 0.0), dist=1.0),
+    "square_trim": seed(SQUARE, pick=(5.0, 5.0), trim=True),
+    "square_repeated_rows": seed(SQUARE[:2] + [(10.0, 1e-5, 0.0)] + SQUARE[2:] + [SQUARE[0]],
+                                 pick=(5.0, 5.0), dist=1.0),
+    "figure_eight_trim": seed(FIGURE_EIGHT, pick=(1.0, 5.0), trim=True),
+    "figure_eight_offset": seed(FIGURE_EIGHT, pick=(1.0, 5.0), dist=0.5),
+    "figure_eight_open": seed(FIGURE_EIGHT, closed=False, pick=(9.0, 5.0), dist=0.5),
+    "two_half_arcs_inward": seed(TWO_HALF_ARCS, pick=(0.0, 0.0), dist=3.0),
+    "two_half_arcs_collapse": seed(TWO_HALF_ARCS, pick=(0.0, 0.0), dist=15.0),
+    "two_half_arcs_outward": seed(TWO_HALF_ARCS, pick=(30.0, 0.0), dist=5.0),
+    "two_half_arcs_trim": seed(TWO_HALF_ARCS, pick=(0.0, 0.0), trim=True),
+    "open_mixed_arcs": seed(OPEN_MIXED, closed=False, pick=(15.0, -5.0), dist=1.0),
+    "open_mixed_arcs_through": seed(OPEN_MIXED, closed=False, pick=(15.0, 8.0), through=True),
+    "star_inward": seed(star(24, 100.0, 80.0), pick=(0.1, 0.05), dist=10.0, eps=1e-6),
+    "star_outward": seed(star(24, 100.0, 80.0), pick=(250.0, 0.1), dist=10.0),
+    "nan_row": seed(SQUARE[:2] + [("nan", 10.0, 0.0)] + SQUARE[3:], pick=(5.0, 5.0), dist=1.0),
+    "nan_bulge_trim": seed(SQUARE[:1] + [(10.0, 0.0, "nan")] + SQUARE[2:], pick=(5.0, 5.0),
+                           trim=True),
+    "infinite_pick": seed(SQUARE, pick=("inf", 5.0), dist=1.0),
+    "nan_distance": seed(SQUARE, pick=(5.0, 5.0), dist="nan"),
+    "huge_coordinates": seed([(x * 1e299, y * 1e299, b) for x, y, b in SQUARE],
+                             pick=(5e299, 5e299), dist="1e300"),
+    "no_rows": seed([], n=0, pick=(1.0, 1.0)),
+    "negative_count": seed([], n=-1, pick=(1.0, 1.0)),
+    "single_row": seed(SQUARE[:1], pick=(1.0, 1.0)),
+    "two_rows_open": seed(SQUARE[:2], closed=False, pick=(5.0, 3.0), dist=1.0),
+}
+
+
+def main():
+    here = os.path.dirname(os.path.abspath(__file__))
+    directory = os.path.join(here, "corpus", "offset")
+    os.makedirs(directory, exist_ok=True)
+    for name, data in SEEDS.items():
+        with open(os.path.join(directory, name), "wb") as f:
+            f.write(data)
+
+
+if __name__ == "__main__":
+    main()

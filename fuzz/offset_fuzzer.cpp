@@ -1,0 +1,285 @@
+// Tarnsysm: planar computational geometry for 2D drafting.
+// Fuzz target for PLineOffset and TrimLoopS on arbitrary vertex rows, with property checks.
+//
+// Input layout (missing bytes read as 0):
+//   byte 0   row count: n = byte % 66 - 1, so -1 .. 64
+//   byte 1   flags: bit 0 closed, bit 1 pass a closed flag of 7 instead of 1, bit 2 through the
+//            pick point, bit 3 call TrimLoopS instead of PLineOffset, bits 4-6 the tolerance
+//            (an entry of kTolerances; 7 reads it as a value)
+//   values   [eps], pick x, pick y, dist, then x, y, bulge for each row.
+// A value starts with a tag byte t: t < 0x80 takes one more byte and gives a multiple of 1/64 in
+// [-256, 256) (exact coordinates make collinear, coincident and tangent cases common);
+// 0x80 <= t < 0xC0 picks one of kSpecialValues (NaN, infinities, extremes, tolerance-sized
+// numbers); t >= 0xC0 takes the next 8 bytes as a raw double.
+//
+// Properties, each aborting with a message when broken:
+//   - every call returns within one second;
+//   - nothing is written past the caller's room (2n rows for PLineOffset, n for TrimLoopS): the
+//     buffer is followed by sentinel rows, poisoned under AddressSanitizer so reads trap too;
+//   - the result is in range (PLineOffset: 0 or 2 .. 2n; TrimLoopS: at most n) and the closed
+//     flag is 0 or 1 (TrimLoopS, and PLineOffset without rows, may also leave the caller's
+//     value);
+//   - result rows carry the caller's attributes (field 3 = -1.0 on inserted rows);
+//   - result rows are finite when every input was finite and of moderate size.
+#include <Tarnsysm.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TARNSYSM_FUZZ_ASAN 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define TARNSYSM_FUZZ_ASAN 1
+#endif
+#if defined(TARNSYSM_FUZZ_ASAN)
+#include <sanitizer/asan_interface.h>
+#endif
+
+namespace {
+
+constexpr int kMaxRows = 64;
+constexpr int kGuardRows = 4;
+constexpr auto kCallLimit = std::chrono::seconds(1);
+
+// Attributes the caller gives row i; any result row must carry one of them.
+constexpr double kAttr3Base = 1000.0;
+constexpr double kAttr4Base = 2000.0;
+
+// Inputs above this magnitude may overflow squared lengths legitimately; the finiteness property
+// is only checked below it.
+constexpr double kModerate = 1e6;
+
+constexpr double kTolerances[7] = {1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1};
+
+const double kSpecialValues[] = {
+    std::numeric_limits<double>::quiet_NaN(),
+    -std::numeric_limits<double>::quiet_NaN(),
+    std::numeric_limits<double>::infinity(),
+    -std::numeric_limits<double>::infinity(),
+    std::numeric_limits<double>::max(),
+    -std::numeric_limits<double>::max(),
+    std::numeric_limits<double>::min(),
+    std::numeric_limits<double>::denorm_min(),
+    1e300,
+    -1e300,
+    1e150,
+    1e15,
+    1e6,
+    -1e6,
+    -0.0,
+    0.0,
+    1e-9,
+    -1e-9,
+    5e-10,
+    2e-9,
+    1e-10,
+    3.1622776601683795e-05,  // sqrt(1e-9): the merge distance of duplicate rows
+    1e-15,
+    1.0,
+    -1.0,
+    0.5,
+    3.141592653589793,
+    100.0,
+};
+constexpr std::size_t kSpecialCount = sizeof kSpecialValues / sizeof kSpecialValues[0];
+
+// A bit pattern no computation produces: a signalling NaN with a payload.
+constexpr std::uint64_t kSentinelBits = 0x7FF4DEADBEEF0001ull;
+
+class ByteReader {
+ public:
+  ByteReader(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
+
+  std::uint8_t byte() {
+    if (left_ == 0)
+      return 0;
+    --left_;
+    return *data_++;
+  }
+
+  double value() {
+    const std::uint8_t tag = byte();
+    if (tag < 0x80) {
+      const int grid = (tag << 8 | byte()) - 0x4000;
+      return grid / 64.0;
+    }
+    if (tag < 0xC0)
+      return kSpecialValues[(tag - 0x80u) % kSpecialCount];
+    std::uint8_t raw[sizeof(double)];
+    for (std::uint8_t& b : raw)
+      b = byte();
+    double v;
+    std::memcpy(&v, raw, sizeof v);
+    return v;
+  }
+
+ private:
+  const std::uint8_t* data_;
+  std::size_t left_;
+};
+
+[[noreturn]] void fail(const char* what) {
+  std::fprintf(stderr, "offset fuzzer: property broken: %s\n", what);
+  std::fflush(stderr);
+  std::abort();
+}
+
+void require(bool ok, const char* what) {
+  if (!ok)
+    fail(what);
+}
+
+bool isModerate(double v) {
+  return std::isfinite(v) && std::fabs(v) <= kModerate;
+}
+
+// The caller's rows followed by sentinel rows that no call may touch.
+class GuardedRows {
+ public:
+  explicit GuardedRows(int room) : room_(room < 0 ? 0 : room) {
+    const std::size_t total = static_cast<std::size_t>(room_ + kGuardRows);
+    rows_.reset(new double[total][5]);
+    for (std::size_t i = static_cast<std::size_t>(room_); i < total; ++i)
+      for (double& field : rows_[i])
+        std::memcpy(&field, &kSentinelBits, sizeof field);
+#if defined(TARNSYSM_FUZZ_ASAN)
+    ASAN_POISON_MEMORY_REGION(guard(), guardBytes());
+#endif
+  }
+  GuardedRows(const GuardedRows&) = delete;
+  GuardedRows& operator=(const GuardedRows&) = delete;
+
+  ~GuardedRows() {
+#if defined(TARNSYSM_FUZZ_ASAN)
+    ASAN_UNPOISON_MEMORY_REGION(guard(), guardBytes());
+#endif
+  }
+
+  double (*get())[5] {
+    return rows_.get();
+  }
+
+  bool guardIntact() {
+#if defined(TARNSYSM_FUZZ_ASAN)
+    ASAN_UNPOISON_MEMORY_REGION(guard(), guardBytes());
+#endif
+    bool intact = true;
+    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(guard());
+    for (std::size_t k = 0; k < guardBytes(); k += sizeof(double))
+      intact = intact && std::memcmp(bytes + k, &kSentinelBits, sizeof(double)) == 0;
+#if defined(TARNSYSM_FUZZ_ASAN)
+    ASAN_POISON_MEMORY_REGION(guard(), guardBytes());
+#endif
+    return intact;
+  }
+
+ private:
+  double* guard() {
+    return rows_[static_cast<std::size_t>(room_)];
+  }
+  static std::size_t guardBytes() {
+    return sizeof(double[5]) * kGuardRows;
+  }
+
+  int room_;
+  std::unique_ptr<double[][5]> rows_;
+};
+
+// Every result row takes its attributes from some input row, except field 3 = -1.0 on the rows
+// that the offset inserts at a join.
+bool attributesCarried(const double (*rows)[5], int count, int n) {
+  for (int i = 0; i < count; ++i) {
+    const double a3 = rows[i][3] - kAttr3Base;
+    const double a4 = rows[i][4] - kAttr4Base;
+    const bool a3ok = rows[i][3] == -1.0 || (a3 >= 0.0 && a3 < n && a3 == std::floor(a3));
+    const bool a4ok = a4 >= 0.0 && a4 < n && a4 == std::floor(a4);
+    if (!a3ok || !a4ok)
+      return false;
+  }
+  return true;
+}
+
+bool geometryFinite(const double (*rows)[5], int count) {
+  for (int i = 0; i < count; ++i)
+    for (int f = 0; f < 3; ++f)
+      if (!std::isfinite(rows[i][f]))
+        return false;
+  return true;
+}
+
+template <typename Call>
+int timedCall(Call call) {
+  const auto start = std::chrono::steady_clock::now();
+  const int result = call();
+  if (std::chrono::steady_clock::now() - start > kCallLimit)
+    fail("a call took longer than one second");
+  return result;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  ByteReader in(data, size);
+  const int n = in.byte() % (kMaxRows + 2) - 1;
+  const std::uint8_t flags = in.byte();
+  const bool closedIn = (flags & 1) != 0;
+  const int closedFlag = closedIn ? ((flags & 2) != 0 ? 7 : 1) : 0;
+  const int through = (flags & 4) != 0 ? 1 : 0;
+  const bool trimOnly = (flags & 8) != 0;
+  const int tolIndex = (flags >> 4) & 7;
+  const double eps = tolIndex < 7 ? kTolerances[tolIndex] : in.value();
+
+  double pick[2];
+  pick[0] = in.value();
+  pick[1] = in.value();
+  const double dist = in.value();
+  bool moderate = tolIndex < 7 && isModerate(pick[0]) && isModerate(pick[1]) && isModerate(dist);
+
+  // PLineOffset needs room for 2n rows; TrimLoopS only shortens, so n rows are its room.
+  const int room = n <= 0 ? 0 : (trimOnly ? n : 2 * n);
+  GuardedRows rows(room);
+  double(*v)[5] = rows.get();
+  for (int i = 0; i < n; ++i) {
+    v[i][0] = in.value();
+    v[i][1] = in.value();
+    v[i][2] = in.value();
+    v[i][3] = kAttr3Base + i;
+    v[i][4] = kAttr4Base + i;
+    moderate = moderate && isModerate(v[i][0]) && isModerate(v[i][1]) && isModerate(v[i][2]);
+  }
+
+  int closed = closedFlag;
+  int result = 0;
+  if (trimOnly) {
+    result = timedCall([&] { return TrimLoopS(eps, pick, &closed, n, v); });
+    require(rows.guardIntact(), "TrimLoopS wrote past the caller's n rows");
+    require(result <= (n > 0 ? n : 0) && result >= (n < 0 ? n : 0),
+            "TrimLoopS returned more rows than it was given");
+    require(closed == closedFlag || closed == 1, "TrimLoopS set an unexpected closed flag");
+  } else {
+    result = timedCall([&] { return PLineOffset(eps, &closed, n, v, through, pick, dist); });
+    require(rows.guardIntact(), "PLineOffset wrote past the caller's 2n rows");
+    require(result == 0 || (result >= 2 && result <= 2 * n),
+            "PLineOffset result outside 0 and 2 .. 2n");
+    // Without rows the call returns 0 at once and may leave the flag as it was given.
+    require(closed == 0 || closed == 1 || (n < 1 && closed == closedFlag),
+            "PLineOffset left a closed flag other than 0 or 1");
+  }
+
+  if (result > 0) {
+    require(attributesCarried(v, result, n), "a result row lost the caller's attributes");
+    if (moderate)
+      require(geometryFinite(v, result), "finite input gave a non-finite result row");
+  }
+  return 0;
+}
