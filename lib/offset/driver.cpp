@@ -784,8 +784,12 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
     return 0;
   // Room for the arcs of every row the caller provides. Without it each arc is worked out where
   // it is needed, with the same results.
-  const std::unique_ptr<BulgeArc[]> arcs(new (std::nothrow)
-                                             BulgeArc[static_cast<size_t>(capacity)]);
+  std::unique_ptr<BulgeArc[]> arcs;
+  try {
+    arcs.reset(new BulgeArc[static_cast<size_t>(capacity)]);
+  } catch (const std::bad_alloc&) {
+    arcs.reset();
+  }
 
   for (long long steps = 0;; ++steps) {
     if (std::fabs(remaining) <= eps) {
