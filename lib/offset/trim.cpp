@@ -538,25 +538,9 @@ bool vertexDistBeating(double eps, double* p, const Segment& s1, const Segment& 
 class PolylineSegments {
  public:
   PolylineSegments(double eps, int closed, int n, double (*const v)[5])
-      : eps_(eps),
-        closed_(closed),
-        n_(n),
-        v_(v),
-        cache_(n),
-        roughs_(new RoughSegment[n > 0 ? n : 1]),
-        roughKnown_(new bool[n > 0 ? n : 1]()) {}
+      : eps_(eps), closed_(closed), n_(n), v_(v), cache_(n) {}
 
   Segment segment(int s) { return cache_.get(eps_, s, v_[s], v_[(s + 1) % n_]); }
-
-  // The rough shape of segment s, worked out once (the distance runs ask for each segment twice,
-  // and the box tree once more).
-  const RoughSegment& rough(int s) {
-    if (!roughKnown_[s]) {
-      roughs_[s] = roughOf(eps_, v_[s], v_[(s + 1) % n_]);
-      roughKnown_[s] = true;
-    }
-    return roughs_[s];
-  }
 
   // Takes segment s as already worked out from the same rows elsewhere.
   void adopt(int s, const Segment& segment) { cache_.adopt(s, segment); }
@@ -595,7 +579,9 @@ class PolylineSegments {
 
   // A box that holds segment s and every point its intersection tests can accept, from its rows
   // alone.
-  SegmentBox roughBox(int s) { return roughBoxOf(eps_, rough(s)); }
+  SegmentBox roughBox(int s) const {
+    return roughBoxOf(eps_, roughOf(eps_, v_[s], v_[(s + 1) % n_]));
+  }
 
   void buildIndex() {
     const int segments = closed_ ? n_ : n_ - 1;
@@ -618,8 +604,6 @@ class PolylineSegments {
   int n_;
   double (*v_)[5];
   SegmentCache cache_;
-  std::unique_ptr<RoughSegment[]> roughs_;
-  std::unique_ptr<bool[]> roughKnown_;
   SegmentIndex index_;
   bool indexed_ = false;
   int queries_ = 0;
@@ -682,14 +666,15 @@ class DistanceRuns {
 
   // Can run i beat (best, bestRun) at all? Its candidates from the rough shapes, each within a
   // margin of the exact one, say no when every one of them is plainly too far.
-  bool mightBeat(int i, double best, bool tieWins) {
+  bool mightBeat(int i, double best, bool tieWins) const {
     const int b = (i + 1) % n_;
-    const double* middle = v_[b];
-    const double vertex = std::sqrt(square(p_[0] - middle[0]) + square(p_[1] - middle[1]));
+    const int c = (i + 2) % n_;
+    const double* rows[3] = {v_[i], v_[b], v_[c]};
+    const double vertex = std::sqrt(square(p_[0] - rows[1][0]) + square(p_[1] - rows[1][1]));
     if (vertex < best || (tieWins && vertex == best))
       return true;
     for (int k = 0; k < 2; ++k) {
-      const RoughSegment& r = segments_.rough(k == 0 ? i : b);
+      const RoughSegment r = roughOf(eps_, rows[k], rows[k + 1]);
       double low;
       if (r.kind == RoughSegment::straight) {
         // Straight: the same arithmetic as the exact distance.
