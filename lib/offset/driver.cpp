@@ -357,32 +357,27 @@ struct Incoming {
 
 // The arcs of the source segments, each worked out once per build (PL_ArcParam is the costly
 // part of a corner, and every arc has two corners). Segment s runs from row s to the next row.
-// Either a table the caller filled for every segment, or worked out here on first use for a
-// short polyline (the three-row pieces that distances build), or else each time.
+// Either a table the caller filled for every segment, or worked out here: the corners go in
+// order, so the arc worked out last is kept for the next corner, which starts on it.
 class SourceArcs {
  public:
-  SourceArcs(double eps, const BulgeArc* table, int n) : eps_(eps), table_(table), n_(n) {}
+  SourceArcs(double eps, const BulgeArc* table) : eps_(eps), table_(table) {}
 
   BulgeArc of(int s, const double* from, const double* to) {
     if (table_)
       return table_[s];
-    if (s >= 0 && s < kLocal && n_ <= kLocal) {
-      if (!known_[s]) {
-        local_[s] = arcOfBulge(eps_, from[0], from[1], to[0], to[1], from[2]);
-        known_[s] = true;
-      }
-      return local_[s];
+    if (s != lastSegment_) {
+      last_ = arcOfBulge(eps_, from[0], from[1], to[0], to[1], from[2]);
+      lastSegment_ = s;
     }
-    return arcOfBulge(eps_, from[0], from[1], to[0], to[1], from[2]);
+    return last_;
   }
 
  private:
-  static constexpr int kLocal = 8;
   double eps_;
   const BulgeArc* table_;
-  int n_;
-  BulgeArc local_[kLocal];
-  bool known_[kLocal] = {};
+  int lastSegment_ = -1;
+  BulgeArc last_;
 };
 
 // Appends the row that ends the moved incoming segment at parameter tEnd. For an arc the bulge
@@ -557,7 +552,7 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
                            long long capacity, const BulgeArc* arcs) {
   if (n < 2)
     return 0;
-  SourceArcs arcOf(eps, arcs, n);
+  SourceArcs arcOf(eps, arcs);
   const long long base = capacity - n;
   if (base < 1)
     return -1;
@@ -759,6 +754,19 @@ void fillSourceArcs(double eps, int closed, int n, double (*const v)[5], BulgeAr
   }
 }
 
+// Whether the step limit and the builder should share a table of the rows' arcs: worth its
+// memory when arcs are a fair share of the segments (each table entry saves one PL_ArcParam per
+// arc and step; on mostly straight rows the table is only memory traffic).
+bool arcTableWorthIt(double eps, int closed, int n, double (*const v)[5]) {
+  const int segments = closed ? n : n - 1;
+  int arcs = 0;
+  for (int s = 0; s < segments; ++s) {
+    if (!withinOpen(v[s][2], eps))
+      ++arcs;
+  }
+  return arcs >= 16 && 8LL * arcs >= segments;
+}
+
 }  // namespace
 
 int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
@@ -782,14 +790,10 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
   double remaining = through ? s : (s >= 0.0 ? std::fabs(dist) : -std::fabs(dist));
   if (!std::isfinite(remaining))
     return 0;
-  // Room for the arcs of every row the caller provides. Without it each arc is worked out where
-  // it is needed, with the same results.
+  // Room for the arcs of every row the caller provides, taken at the first step that wants it.
+  // Without it each arc is worked out where it is needed, with the same results.
   std::unique_ptr<BulgeArc[]> arcs;
-  try {
-    arcs.reset(new BulgeArc[static_cast<size_t>(capacity)]);
-  } catch (const std::bad_alloc&) {
-    arcs.reset();
-  }
+  bool arcsTried = false;
 
   for (long long steps = 0;; ++steps) {
     if (std::fabs(remaining) <= eps) {
@@ -799,14 +803,27 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
     }
     if (steps >= maxSteps)
       return 0;
-    if (arcs)
-      fillSourceArcs(eps, *closed, n, v, arcs.get());
-    const double step = limitStepOverAll(eps, remaining, *closed, n, v, arcs.get());
+    const BulgeArc* table = nullptr;
+    if (arcTableWorthIt(eps, *closed, n, v)) {
+      if (!arcsTried) {
+        arcsTried = true;
+        try {
+          arcs.reset(new BulgeArc[static_cast<size_t>(capacity)]);
+        } catch (const std::bad_alloc&) {
+          arcs.reset();
+        }
+      }
+      if (arcs) {
+        fillSourceArcs(eps, *closed, n, v, arcs.get());
+        table = arcs.get();
+      }
+    }
+    const double step = limitStepOverAll(eps, remaining, *closed, n, v, table);
     remaining = remaining - step;
     // A two-row polyline must be offset in a single step.
     if (n < 3 && std::fabs(remaining) >= eps)
       return 0;
-    const int built = buildOffsetPLineWithin(eps, step, *closed, n, v, capacity, arcs.get());
+    const int built = buildOffsetPLineWithin(eps, step, *closed, n, v, capacity, table);
     if (built < 0)
       return 0;
     n = TrimLoopS(eps, pick, closed, built, v);
