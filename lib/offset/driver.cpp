@@ -46,6 +46,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <memory>
+#include <new>
 
 using namespace tarnsysm::detail;
 
@@ -122,7 +124,9 @@ struct Element {
   double x1 = 0.0, y1 = 0.0, x2 = 0.0, y2 = 0.0;
 };
 
-Element elementOf(double eps, const double* from, const double* to) {
+// `known`, when given, is the segment's arcOfBulge (read only for a bulge outside (-eps, eps)).
+Element elementOf(double eps, const double* from, const double* to,
+                  const BulgeArc* known = nullptr) {
   Element e;
   e.x1 = from[0];
   e.y1 = from[1];
@@ -130,8 +134,11 @@ Element elementOf(double eps, const double* from, const double* to) {
   e.y2 = to[1];
   e.bulge = from[2];
   if (!withinOpen(e.bulge, eps)) {
-    double sa, ea;
-    if (PL_ArcParam(eps, e.x1, e.y1, e.x2, e.y2, e.bulge, &e.cx, &e.cy, &e.radius, &sa, &ea)) {
+    const BulgeArc arc = known ? *known : arcOfBulge(eps, e.x1, e.y1, e.x2, e.y2, e.bulge);
+    if (arc.ok) {
+      e.cx = arc.cx;
+      e.cy = arc.cy;
+      e.radius = arc.r;
       e.valid = true;
       e.isArc = true;
       e.r = e.bulge < 0.0 ? -e.radius : e.radius;
@@ -342,9 +349,35 @@ double bridgeBulge(double ex, double ey, double sx, double sy, double tx, double
 // The source segment that arrives at a corner, with what the builder needs to finish its moved
 // version: its arc (when it is one) and the parameter at which the moved arc starts.
 struct Incoming {
-  const double* from;  // source row where it starts (x, y, bulge)
-  const double* to;    // source row where it ends
-  double tStart;       // parameter of the moved segment's first row on the moved arc
+  const double* from;   // source row where it starts (x, y, bulge)
+  const double* to;     // source row where it ends
+  double tStart;        // parameter of the moved segment's first row on the moved arc
+  const BulgeArc* arc;  // its arcOfBulge, read only when the bulge lies outside (-eps, eps)
+};
+
+// The arcs of the source segments, each worked out once per build (PL_ArcParam is the costly
+// part of a corner, and every arc has two corners). Segment s runs from row s to the next row.
+// Either a table the caller filled for every segment, or worked out here: the corners go in
+// order, so the arc worked out last is kept for the next corner, which starts on it.
+class SourceArcs {
+ public:
+  SourceArcs(double eps, const BulgeArc* table) : eps_(eps), table_(table) {}
+
+  BulgeArc of(int s, const double* from, const double* to) {
+    if (table_)
+      return table_[s];
+    if (s != lastSegment_) {
+      last_ = arcOfBulge(eps_, from[0], from[1], to[0], to[1], from[2]);
+      lastSegment_ = s;
+    }
+    return last_;
+  }
+
+ private:
+  double eps_;
+  const BulgeArc* table_;
+  int lastSegment_ = -1;
+  BulgeArc last_;
 };
 
 // Appends the row that ends the moved incoming segment at parameter tEnd. For an arc the bulge
@@ -361,9 +394,9 @@ bool appendSegmentEnd(double eps, MovedRows& out, const Incoming& in, double tEn
     last[2] = bulgeAfter;
     return true;
   }
-  double cx, cy, r, sa, ea;
-  if (PL_ArcParam(eps, in.from[0], in.from[1], in.to[0], in.to[1], bulge, &cx, &cy, &r, &sa, &ea)) {
-    const double sweep = (tEnd - in.tStart) * (ea - sa);
+  const BulgeArc& arc = *in.arc;
+  if (arc.ok) {
+    const double sweep = (tEnd - in.tStart) * (arc.ea - arc.sa);
     last[2] = std::fabs(sweep) >= kTwoPi - eps ? 0.0 : bulgeSign(bulge) * std::tan(sweep / 4.0);
   }
   return out.put(x, y, bulgeAfter, f3, f4);
@@ -372,8 +405,8 @@ bool appendSegmentEnd(double eps, MovedRows& out, const Incoming& in, double tEn
 // The point at parameter t of the source segment moved by d; the source point itself when the
 // segment cannot be moved (degenerate, or an arc turned inside out).
 void movedPointOrSource(double eps, double d, double t, const double* from, const double* to,
-                        double* x, double* y) {
-  if (!GetOffsetP(eps, d, t, from[0], from[1], to[0], to[1], from[2], x, y)) {
+                        const BulgeArc& arc, double* x, double* y) {
+  if (!offsetPointWithArc(eps, d, t, from[0], from[1], to[0], to[1], from[2], arc, x, y)) {
     const double* p = t < 0.5 ? from : to;
     *x = p[0];
     *y = p[1];
@@ -381,17 +414,15 @@ void movedPointOrSource(double eps, double d, double t, const double* from, cons
 }
 
 // Direction of travel of a segment at its end vertex.
-void arrivalDirection(double eps, const double* from, const double* to, double* tx, double* ty) {
+void arrivalDirection(double eps, const double* from, const double* to, const BulgeArc& arc,
+                      double* tx, double* ty) {
   *tx = to[0] - from[0];
   *ty = to[1] - from[1];
-  if (withinOpen(from[2], eps))
-    return;
-  double cx, cy, r, sa, ea;
-  if (!PL_ArcParam(eps, from[0], from[1], to[0], to[1], from[2], &cx, &cy, &r, &sa, &ea))
+  if (withinOpen(from[2], eps) || !arc.ok)
     return;
   // Perpendicular to the radius, turning the way the arc turns.
-  const double rx = to[0] - cx;
-  const double ry = to[1] - cy;
+  const double rx = to[0] - arc.cx;
+  const double ry = to[1] - arc.cy;
   *tx = from[2] > 0.0 ? -ry : ry;
   *ty = from[2] > 0.0 ? rx : -rx;
 }
@@ -416,14 +447,18 @@ struct LineArcFeet {
 };
 
 bool lineArcFeet(double eps, double d, const double* l1, const double* l2, const double* a1,
-                 const double* a2, LineArcFeet* feet) {
+                 const BulgeArc& arc, LineArcFeet* feet) {
   const double dx = l2[0] - l1[0];
   const double dy = l2[1] - l1[1];
   if (dx * dx + dy * dy < eps * eps)
     return false;
-  double cx, cy, r, sa, ea;
-  if (!PL_ArcParam(eps, a1[0], a1[1], a2[0], a2[1], a1[2], &cx, &cy, &r, &sa, &ea))
+  if (!arc.ok)
     return false;
+  const double cx = arc.cx;
+  const double cy = arc.cy;
+  const double r = arc.r;
+  const double sa = arc.sa;
+  const double ea = arc.ea;
   const double len = std::sqrt(dx * dx + dy * dy);
   const double nx = dy / len;
   const double ny = -dx / len;
@@ -510,8 +545,14 @@ double OffsetStepLimit(double eps, double step, int i, int closed, int n, double
 
 int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*const v)[5],
                            long long capacity) {
+  return buildOffsetPLineWithin(eps, step, closed, n, v, capacity, nullptr);
+}
+
+int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*const v)[5],
+                           long long capacity, const BulgeArc* arcs) {
   if (n < 2)
     return 0;
+  SourceArcs arcOf(eps, arcs);
   const long long base = capacity - n;
   if (base < 1)
     return -1;
@@ -531,13 +572,13 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
     return src(idx);
   };
 
-  Incoming in{nullptr, nullptr, 0.0};
+  Incoming in{nullptr, nullptr, 0.0, nullptr};
   double closingEnd = 1.0;  // parameter where the moved closing arc ends (corner 0)
   int firstCorner = 0;
   int lastCorner = n - 1;
   if (!closed) {
     double x, y;
-    movedPointOrSource(eps, step, 0.0, row(0), row(1), &x, &y);
+    movedPointOrSource(eps, step, 0.0, row(0), row(1), arcOf.of(0, row(0), row(1)), &x, &y);
     out.setLimit(base);
     if (!out.put(x, y, row(0)[2], row(0)[3], row(0)[4]))
       return -1;
@@ -546,7 +587,8 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
   }
 
   for (int j = firstCorner; j <= lastCorner; ++j) {
-    const double* p1 = row((j + n - 1) % n);
+    const int inSegment = (j + n - 1) % n;
+    const double* p1 = row(inSegment);
     const double* p2 = row(j);
     const double* p3 = row((j + 1) % n);
     in.from = p1;
@@ -563,15 +605,20 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
     const double b2 = p2[2];
     const bool inArc = !withinOpen(b1, eps);
     const bool outArc = !withinOpen(b2, eps);
+    // The arcs of the two segments, each read only where its bulge makes it an arc.
+    const BulgeArc arcIn = inArc ? arcOf.of(inSegment, p1, p2) : BulgeArc();
+    const BulgeArc arcOut = outArc ? arcOf.of(j, p2, p3) : BulgeArc();
+    in.arc = &arcIn;
     double ox = 0.0, oy = 0.0, t1 = 1.0, t2 = 0.0;
     int code;
     if (inArc && outArc)
-      code =
-          AAOffset(eps, step, p1[0], p1[1], p2[0], p2[1], p3[0], p3[1], b1, b2, &ox, &oy, &t1, &t2);
+      code = aaOffsetWithArcs(eps, step, p2[0], p2[1], b1, b2, arcIn, arcOut, &ox, &oy, &t1, &t2);
     else if (inArc)
-      code = ALOffset(eps, step, p1[0], p1[1], p2[0], p2[1], p3[0], p3[1], b1, &ox, &oy, &t1, &t2);
+      code = alOffsetWithArc(eps, step, p1[0], p1[1], p2[0], p2[1], p3[0], p3[1], b1, arcIn, &ox,
+                             &oy, &t1, &t2);
     else if (outArc)
-      code = LAOffset(eps, step, p1[0], p1[1], p2[0], p2[1], p3[0], p3[1], b2, &ox, &oy, &t1, &t2);
+      code = laOffsetWithArc(eps, step, p1[0], p1[1], p2[0], p2[1], p3[0], p3[1], b2, arcOut, &ox,
+                             &oy, &t1, &t2);
     else
       code = LLOffset(eps, step, p1[0], p1[1], p2[0], p2[1], p3[0], p3[1], &ox, &oy, &t1, &t2);
 
@@ -583,13 +630,13 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
       in.tStart = t2;
     } else {
       LineArcFeet feet;
-      if (!inArc && outArc && lineArcFeet(eps, step, p1, p2, p2, p3, &feet)) {
+      if (!inArc && outArc && lineArcFeet(eps, step, p1, p2, p2, arcOut, &feet)) {
         // Moved line to its foot, half circle to the moved circle, then the moved arc.
         if (!appendSegmentEnd(eps, out, in, 1.0, feet.fx, feet.fy, -bulgeSign(b2), -1.0, p2[4]) ||
             !out.put(feet.gx, feet.gy, b2, p2[3], p2[4]))
           return -1;
         in.tStart = arcParameterOf(eps, b2, feet.sa, feet.ea, feet.gAngle);
-      } else if (inArc && !outArc && lineArcFeet(eps, step, p2, p3, p1, p2, &feet)) {
+      } else if (inArc && !outArc && lineArcFeet(eps, step, p2, p3, p1, arcIn, &feet)) {
         // The moved arc ends on the perpendicular, half circle to the foot on the moved line.
         tEnd = arcParameterOf(eps, b1, feet.sa, feet.ea, feet.gAngle);
         if (!appendSegmentEnd(eps, out, in, tEnd, feet.gx, feet.gy, -bulgeSign(b1), -1.0, p2[4]) ||
@@ -598,9 +645,9 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
         in.tStart = 0.0;
       } else {
         double ex, ey, sx, sy, tx, ty;
-        movedPointOrSource(eps, step, 1.0, p1, p2, &ex, &ey);
-        movedPointOrSource(eps, step, 0.0, p2, p3, &sx, &sy);
-        arrivalDirection(eps, p1, p2, &tx, &ty);
+        movedPointOrSource(eps, step, 1.0, p1, p2, arcIn, &ex, &ey);
+        movedPointOrSource(eps, step, 0.0, p2, p3, arcOut, &sx, &sy);
+        arrivalDirection(eps, p1, p2, arcIn, &tx, &ty);
         if (!appendSegmentEnd(eps, out, in, 1.0, ex, ey, bridgeBulge(ex, ey, sx, sy, tx, ty), -1.0,
                               p2[4]) ||
             !out.put(sx, sy, b2, p2[3], p2[4]))
@@ -616,10 +663,12 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
     // The free end: the end of the moved last segment.
     const double* p1 = row(n - 2);
     const double* p2 = row(n - 1);
+    const BulgeArc arcLast = arcOf.of(n - 2, p1, p2);
     double x, y;
-    movedPointOrSource(eps, step, 1.0, p1, p2, &x, &y);
+    movedPointOrSource(eps, step, 1.0, p1, p2, arcLast, &x, &y);
     in.from = p1;
     in.to = p2;
+    in.arc = &arcLast;
     out.setLimit(capacity);
     if (!appendSegmentEnd(eps, out, in, 1.0, x, y, p2[2], p2[3], p2[4]))
       return -1;
@@ -634,12 +683,11 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
   if (!withinOpen(bulge, eps) && k >= 2) {
     double* last = out.row(k - 1);
     const double* head = out.row(0);
-    double cx, cy, r, sa, ea;
     if (std::sqrt(square(head[0] - last[0]) + square(head[1] - last[1])) < eps) {
       // A closing segment of no length: TrimLoop0 removes it.
       last[2] = 0.0;
-    } else if (PL_ArcParam(eps, p1[0], p1[1], p2[0], p2[1], bulge, &cx, &cy, &r, &sa, &ea)) {
-      const double sweep = (closingEnd - in.tStart) * (ea - sa);
+    } else if (const BulgeArc arc = arcOf.of(n - 1, p1, p2); arc.ok) {
+      const double sweep = (closingEnd - in.tStart) * (arc.ea - arc.sa);
       last[2] = std::fabs(sweep) >= kTwoPi - eps ? 0.0 : bulgeSign(bulge) * std::tan(sweep / 4.0);
     }
   }
@@ -670,13 +718,16 @@ bool isDoubledLine(double eps, int n, double (*const v)[5]) {
 
 // The step limit over every segment, each element computed once: a rolling window of the
 // previous, current and next segment.
-double limitStepOverAll(double eps, double step, int closed, int n, double (*const v)[5]) {
+double limitStepOverAll(double eps, double step, int closed, int n, double (*const v)[5],
+                        const BulgeArc* arcs) {
   if (n < 2)
     return 0.0;
   if (n == 2)
     return step;
   const int segments = closed ? n : n - 1;
-  const auto element = [&](int s) { return elementOf(eps, v[s], v[(s + 1) % n]); };
+  const auto element = [&](int s) {
+    return elementOf(eps, v[s], v[(s + 1) % n], arcs ? &arcs[s] : nullptr);
+  };
   Element prev, cur = element(0), next;
   if (closed)
     prev = element(n - 1);
@@ -690,6 +741,30 @@ double limitStepOverAll(double eps, double step, int closed, int n, double (*con
     cur = next;
   }
   return step;
+}
+
+// The arcs of the current rows' segments, for the step limit and the builder of one step.
+void fillSourceArcs(double eps, int closed, int n, double (*const v)[5], BulgeArc* arcs) {
+  const int segments = closed ? n : n - 1;
+  for (int s = 0; s < segments; ++s) {
+    const double* from = v[s];
+    const double* to = v[(s + 1) % n];
+    arcs[s] = withinOpen(from[2], eps) ? BulgeArc()
+                                       : arcOfBulge(eps, from[0], from[1], to[0], to[1], from[2]);
+  }
+}
+
+// Whether the step limit and the builder should share a table of the rows' arcs: worth its
+// memory when arcs are a fair share of the segments (each table entry saves one PL_ArcParam per
+// arc and step; on mostly straight rows the table is only memory traffic).
+bool arcTableWorthIt(double eps, int closed, int n, double (*const v)[5]) {
+  const int segments = closed ? n : n - 1;
+  int arcs = 0;
+  for (int s = 0; s < segments; ++s) {
+    if (!withinOpen(v[s][2], eps))
+      ++arcs;
+  }
+  return arcs >= 16 && 8LL * arcs >= segments;
 }
 
 }  // namespace
@@ -715,6 +790,10 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
   double remaining = through ? s : (s >= 0.0 ? std::fabs(dist) : -std::fabs(dist));
   if (!std::isfinite(remaining))
     return 0;
+  // Room for the arcs of every row the caller provides, taken at the first step that wants it.
+  // Without it each arc is worked out where it is needed, with the same results.
+  std::unique_ptr<BulgeArc[]> arcs;
+  bool arcsTried = false;
 
   for (long long steps = 0;; ++steps) {
     if (std::fabs(remaining) <= eps) {
@@ -724,12 +803,27 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
     }
     if (steps >= maxSteps)
       return 0;
-    const double step = limitStepOverAll(eps, remaining, *closed, n, v);
+    const BulgeArc* table = nullptr;
+    if (arcTableWorthIt(eps, *closed, n, v)) {
+      if (!arcsTried) {
+        arcsTried = true;
+        try {
+          arcs.reset(new BulgeArc[static_cast<size_t>(capacity)]);
+        } catch (const std::bad_alloc&) {
+          arcs.reset();
+        }
+      }
+      if (arcs) {
+        fillSourceArcs(eps, *closed, n, v, arcs.get());
+        table = arcs.get();
+      }
+    }
+    const double step = limitStepOverAll(eps, remaining, *closed, n, v, table);
     remaining = remaining - step;
     // A two-row polyline must be offset in a single step.
     if (n < 3 && std::fabs(remaining) >= eps)
       return 0;
-    const int built = buildOffsetPLineWithin(eps, step, *closed, n, v, capacity);
+    const int built = buildOffsetPLineWithin(eps, step, *closed, n, v, capacity, table);
     if (built < 0)
       return 0;
     n = TrimLoopS(eps, pick, closed, built, v);

@@ -110,6 +110,12 @@ int BuildOffsetPLine(double eps, double step, int closed, int n, double (*const 
 int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*const v)[5],
                            long long capacity);
 
+/// buildOffsetPLineWithin with the arcs of the n source rows' segments worked out already:
+/// arcs[s] is arcOfBulge of segment s (row s to the next row) wherever its bulge lies outside
+/// (-eps, eps). Null: each arc is worked out where needed. The results are the same either way.
+int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*const v)[5],
+                           long long capacity, const BulgeArc* arcs);
+
 /// What trimLoopsAndMeasure learnt of PLineDist(eps, *closed, result rows, pick) on the way:
 /// when `known`, `ok` and `dist` are what that call would return and write (dist is only
 /// guaranteed to lie within eps of 0 when the picked point lies on the result).
@@ -123,5 +129,36 @@ struct TrimMeasure {
 /// from the result when it was measured on the way.
 int trimLoopsAndMeasure(double eps, double* const pick, int* closed, int n, double (*const v)[5],
                         TrimMeasure* measure);
+
+}  // namespace tarnsysm::detail
+
+// ---- Corner joins with the arcs already worked out (joins.cpp) ---------------------------------
+
+namespace tarnsysm::detail {
+
+// The exported joins work out each arc with PL_ArcParam and then call these. A caller that has
+// the arcs already (the builder meets every arc at both of its corners) passes them in and gets
+// the same results, bit for bit. Each arc must be arcOfBulge(eps, ...) of its own segment, and
+// the bulges must lie outside (-eps, eps) (the exported functions pass those on to LLOffset).
+
+/// LAOffset; `arc` is arcOfBulge(eps, x2, y2, x3, y3, bulge).
+int laOffsetWithArc(double eps, double d, double x1, double y1, double x2, double y2, double x3,
+                    double y3, double bulge, const BulgeArc& arc, double* ox, double* oy,
+                    double* t1, double* t2);
+
+/// ALOffset; `arc` is arcOfBulge(eps, x1, y1, x2, y2, bulge).
+int alOffsetWithArc(double eps, double d, double x1, double y1, double x2, double y2, double x3,
+                    double y3, double bulge, const BulgeArc& arc, double* ox, double* oy,
+                    double* t1, double* t2);
+
+/// AAOffset at the vertex (x2, y2); arc1 and arc2 are the arcs of the incoming and outgoing
+/// segments.
+int aaOffsetWithArcs(double eps, double d, double x2, double y2, double bulge1, double bulge2,
+                     BulgeArc arc1, BulgeArc arc2, double* ox, double* oy, double* t1, double* t2);
+
+/// GetOffsetP; `arc` is arcOfBulge(eps, x1, y1, x2, y2, bulge) (read only for a bulge outside
+/// (-eps, eps) and a chord of eps or more).
+int offsetPointWithArc(double eps, double d, double t, double x1, double y1, double x2, double y2,
+                       double bulge, const BulgeArc& arc, double* ox, double* oy);
 
 }  // namespace tarnsysm::detail

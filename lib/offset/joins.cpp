@@ -199,11 +199,46 @@ int LAOffset(double eps, double d, double x1, double y1, double x2, double y2, d
              double bulge, double* ox, double* oy, double* t1, double* t2) {
   if (withinOpen(bulge, eps))
     return LLOffset(eps, d, x1, y1, x2, y2, x3, y3, ox, oy, t1, t2);
+  return laOffsetWithArc(eps, d, x1, y1, x2, y2, x3, y3, bulge,
+                         arcOfBulge(eps, x2, y2, x3, y3, bulge), ox, oy, t1, t2);
+}
 
+int ALOffset(double eps, double d, double x1, double y1, double x2, double y2, double x3, double y3,
+             double bulge, double* ox, double* oy, double* t1, double* t2) {
+  if (withinOpen(bulge, eps))
+    return LLOffset(eps, d, x1, y1, x2, y2, x3, y3, ox, oy, t1, t2);
+  return alOffsetWithArc(eps, d, x1, y1, x2, y2, x3, y3, bulge,
+                         arcOfBulge(eps, x1, y1, x2, y2, bulge), ox, oy, t1, t2);
+}
+
+int AAOffset(double eps, double d, double x1, double y1, double x2, double y2, double x3, double y3,
+             double bulge1, double bulge2, double* ox, double* oy, double* t1, double* t2) {
+  if (withinOpen(bulge1, eps))
+    return LAOffset(eps, d, x1, y1, x2, y2, x3, y3, bulge2, ox, oy, t1, t2);
+  if (withinOpen(bulge2, eps))
+    return ALOffset(eps, d, x1, y1, x2, y2, x3, y3, bulge1, ox, oy, t1, t2);
+  return aaOffsetWithArcs(eps, d, x2, y2, bulge1, bulge2, arcOfBulge(eps, x1, y1, x2, y2, bulge1),
+                          arcOfBulge(eps, x2, y2, x3, y3, bulge2), ox, oy, t1, t2);
+}
+
+int GetOffsetP(double eps, double d, double t, double x1, double y1, double x2, double y2,
+               double bulge, double* ox, double* oy) {
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  if (dx * dx + dy * dy < eps * eps || withinOpen(bulge, eps))
+    return offsetPointWithArc(eps, d, t, x1, y1, x2, y2, bulge, BulgeArc(), ox, oy);
+  return offsetPointWithArc(eps, d, t, x1, y1, x2, y2, bulge,
+                            arcOfBulge(eps, x1, y1, x2, y2, bulge), ox, oy);
+}
+
+namespace tarnsysm::detail {
+
+int laOffsetWithArc(double eps, double d, double x1, double y1, double x2, double y2, double x3,
+                    double y3, double bulge, const BulgeArc& arc, double* ox, double* oy,
+                    double* t1, double* t2) {
   const double ax = x2 - x1;
   const double ay = y2 - y1;
   const bool lineDegenerate = ax * ax + ay * ay < eps * eps;
-  const BulgeArc arc = arcOfBulge(eps, x2, y2, x3, y3, bulge);
   double px, py;
   if (lineDegenerate && !arc.ok)
     return -3;
@@ -223,15 +258,12 @@ int LAOffset(double eps, double d, double x1, double y1, double x2, double y2, d
   return lineArcJoin(eps, d, x1, y1, ax, ay, 1.0, turn, arc, bulge, start, ox, oy, t1, t2);
 }
 
-int ALOffset(double eps, double d, double x1, double y1, double x2, double y2, double x3, double y3,
-             double bulge, double* ox, double* oy, double* t1, double* t2) {
-  if (withinOpen(bulge, eps))
-    return LLOffset(eps, d, x1, y1, x2, y2, x3, y3, ox, oy, t1, t2);
-
+int alOffsetWithArc(double eps, double d, double x1, double y1, double x2, double y2, double x3,
+                    double y3, double bulge, const BulgeArc& arc, double* ox, double* oy,
+                    double* t1, double* t2) {
   const double ax = x3 - x2;
   const double ay = y3 - y2;
   const bool lineDegenerate = ax * ax + ay * ay < eps * eps;
-  const BulgeArc arc = arcOfBulge(eps, x1, y1, x2, y2, bulge);
   double px, py;
   if (lineDegenerate && !arc.ok)
     return -3;
@@ -251,15 +283,8 @@ int ALOffset(double eps, double d, double x1, double y1, double x2, double y2, d
   return lineArcJoin(eps, d, x2, y2, ax, ay, 0.0, turn, arc, bulge, end, ox, oy, t2, t1);
 }
 
-int AAOffset(double eps, double d, double x1, double y1, double x2, double y2, double x3, double y3,
-             double bulge1, double bulge2, double* ox, double* oy, double* t1, double* t2) {
-  if (withinOpen(bulge1, eps))
-    return LAOffset(eps, d, x1, y1, x2, y2, x3, y3, bulge2, ox, oy, t1, t2);
-  if (withinOpen(bulge2, eps))
-    return ALOffset(eps, d, x1, y1, x2, y2, x3, y3, bulge1, ox, oy, t1, t2);
-
-  BulgeArc arc1 = arcOfBulge(eps, x1, y1, x2, y2, bulge1);
-  BulgeArc arc2 = arcOfBulge(eps, x2, y2, x3, y3, bulge2);
+int aaOffsetWithArcs(double eps, double d, double x2, double y2, double bulge1, double bulge2,
+                     BulgeArc arc1, BulgeArc arc2, double* ox, double* oy, double* t1, double* t2) {
   double px, py;
   if (!arc1.ok && !arc2.ok)
     return -3;
@@ -336,8 +361,8 @@ int AAOffset(double eps, double d, double x1, double y1, double x2, double y2, d
   return 1;
 }
 
-int GetOffsetP(double eps, double d, double t, double x1, double y1, double x2, double y2,
-               double bulge, double* ox, double* oy) {
+int offsetPointWithArc(double eps, double d, double t, double x1, double y1, double x2, double y2,
+                       double bulge, const BulgeArc& arc, double* ox, double* oy) {
   const double dx = x2 - x1;
   const double dy = y2 - y1;
   if (dx * dx + dy * dy < eps * eps)
@@ -351,7 +376,6 @@ int GetOffsetP(double eps, double d, double t, double x1, double y1, double x2, 
     return 1;
   }
 
-  const BulgeArc arc = arcOfBulge(eps, x1, y1, x2, y2, bulge);
   if (!arc.ok)
     return 0;
   double start, end;
@@ -371,3 +395,5 @@ int GetOffsetP(double eps, double d, double t, double x1, double y1, double x2, 
   }
   return 1;
 }
+
+}  // namespace tarnsysm::detail

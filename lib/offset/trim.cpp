@@ -397,12 +397,24 @@ Candidates candidatesOf(double eps, const double* p, const Segment& s1, const Se
   return c;
 }
 
-// Does p lie on the three-row open piece s1, s2 moved by d?
+// The segment's circle as arcOfBulge gives it for the segment's own rows: a segment is an arc
+// exactly when its bulge lies outside (-eps, eps) and PL_ArcParam accepts it, and then it holds
+// PL_ArcParam's results.
+BulgeArc arcOf(const Segment& s) {
+  BulgeArc arc;
+  if (s.isArc)
+    arc = {s.cx, s.cy, s.r, s.sa, s.ea, true};
+  return arc;
+}
+
+// Does p lie on the three-row open piece s1, s2 moved by d? (s1 ends where s2 starts.)
 bool onMovedPiece(double eps, double* p, const Segment& s1, const Segment& s2, double d) {
   double rows[6][5] = {{s1.x1, s1.y1, s1.bulge, 0.0, 0.0},
                        {s2.x1, s2.y1, s2.bulge, 0.0, 0.0},
                        {s2.x2, s2.y2, 0.0, 0.0, 0.0}};
-  const int k = BuildOffsetPLine(eps, d, 0, 3, rows);
+  // BuildOffsetPLine, with the arcs the segments carry already.
+  const BulgeArc arcs[3] = {arcOf(s1), arcOf(s2), BulgeArc()};
+  const int k = buildOffsetPLineWithin(eps, d, 0, 3, rows, 6, arcs);
   return k >= 2 && PointsOnPLine(eps, p, 0, k, rows) == 1;
 }
 
@@ -416,15 +428,16 @@ PieceJoin joinOfPiece(double eps, const Segment& s1, const Segment& s2, double d
   PieceJoin j{0, 0.0, 0.0, 1.0, 0.0};
   const bool inArc = !withinOpen(s1.bulge, eps);
   const bool outArc = !withinOpen(s2.bulge, eps);
+  // AAOffset, ALOffset and LAOffset, with the arcs the segments carry already.
   if (inArc && outArc)
-    j.code = AAOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s1.bulge, s2.bulge, &j.x,
-                      &j.y, &j.t1, &j.t2);
+    j.code = aaOffsetWithArcs(eps, d, s1.x2, s1.y2, s1.bulge, s2.bulge, arcOf(s1), arcOf(s2), &j.x,
+                              &j.y, &j.t1, &j.t2);
   else if (inArc)
-    j.code = ALOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s1.bulge, &j.x, &j.y, &j.t1,
-                      &j.t2);
+    j.code = alOffsetWithArc(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s1.bulge, arcOf(s1),
+                             &j.x, &j.y, &j.t1, &j.t2);
   else if (outArc)
-    j.code = LAOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s2.bulge, &j.x, &j.y, &j.t1,
-                      &j.t2);
+    j.code = laOffsetWithArc(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, s2.bulge, arcOf(s2),
+                             &j.x, &j.y, &j.t1, &j.t2);
   else
     j.code = LLOffset(eps, d, s1.x1, s1.y1, s1.x2, s1.y2, s2.x2, s2.y2, &j.x, &j.y, &j.t1, &j.t2);
   return j;
