@@ -27,7 +27,17 @@
 // outgoing one (t = 0), so an arc-arc bridge keeps both moved arcs whole, just as a line-line
 // bridge keeps both lines; the half circle turns against the cross product of the new chord
 // with the incoming direction of travel at the vertex. Line-arc and arc-line corners use the
-// feet on the perpendicular from the arc's centre to the moved line.
+// feet on the perpendicular from the arc's centre to the moved line. A row that cannot be moved
+// (a degenerate segment, an arc turned inside out) stays where its source vertex is.
+//
+// Room. The builder keeps its copy of the current rows at the top of the caller's 2n rows and
+// writes the moved rows from row 0 up, never past a copied row it has still to read; a step whose
+// rows would reach one fails (PLineOffset then returns 0). With the copy at rows n .. 2n-1 (the
+// first step, and BuildOffsetPLine) a single step always fits, half circles at every corner
+// included; later steps of a polyline that has grown beyond n rows may not.
+//
+// The step loop gives up after 4n + 256 steps: each real event removes a segment, so that many
+// would mean limits that keep finding events which remove nothing.
 #include "offset/offset.h"
 
 #include "arcs/arcs.h"
@@ -228,9 +238,26 @@ double openEndLimit(double eps, double step, const Element& cur, double px, doub
   return step;
 }
 
+// Two arcs of one circle: their centres, each worked out from its own chord, differ only by
+// round-off. The difference of their conditions, which the circle solvers build on, is then that
+// round-off, and no single point follows from it (a segment between two arcs of one circle
+// keeps its length while both move); the limit passes over such a pair.
+bool sameCircle(const Element& a, const Element& b) {
+  const double apart = std::sqrt(square(a.cx - b.cx) + square(a.cy - b.cy));
+  return apart <= 1e-9 * (a.radius + b.radius);
+}
+
 double solverLimit(double eps, double step, const Element& p, const Element& c, const Element& nx) {
   double out = step;
   int found = 0;
+  // The circle solvers pair circle 1 with the last circle (CLCOffset), or circles 1 and 2 with
+  // circle 3 (CCCOffset).
+  if (p.isArc && c.isArc && nx.isArc ? sameCircle(p, nx) || sameCircle(c, nx)
+      : p.isArc && nx.isArc          ? sameCircle(p, nx)
+      : c.isArc && nx.isArc          ? sameCircle(c, nx)
+      : p.isArc && c.isArc           ? sameCircle(p, c)
+                                     : false)
+    return step;
   if (!p.isArc && !c.isArc && nx.isArc) {
     found = LLCOffset(eps, step, p.a, p.b, p.c, c.a, c.b, c.c, nx.cx, nx.cy, nx.r, &out);
   } else if (p.isArc && !c.isArc && !nx.isArc) {

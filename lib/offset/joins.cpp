@@ -6,6 +6,7 @@
 #include "offset/offset.h"
 
 #include <cmath>
+#include <limits>
 
 using namespace tarnsysm::detail;
 
@@ -57,6 +58,20 @@ Branch branchAtVertex(double eps, double ax, double ay, double qx, double qy, do
     if (std::fabs(tMinus - target) < eps)
       return Branch::minus;
     if (std::fabs(tPlus - target) < eps)
+      return Branch::plus;
+    // The vertex lies on the circle only up to the rounding of |q|^2 - r^2 (and of a.q), which
+    // moves the roots by about that over sqrt(disc): for a short chord of a large circle, far
+    // more than eps. Within that round-off the nearer root is the vertex, provided the other
+    // root lies well clear of it; a line all but touching the circle stays undecided.
+    const double rounding = 16.0 * std::numeric_limits<double>::epsilon() *
+                            ((qx * qx + qy * qy + r * r) / root +
+                             2.0 * (std::fabs(ax * qx) + std::fabs(ay * qy)) / eq.A);
+    const double reach = eps + rounding;
+    const double offMinus = std::fabs(tMinus - target);
+    const double offPlus = std::fabs(tPlus - target);
+    if (offMinus < reach && offPlus > 4.0 * reach)
+      return Branch::minus;
+    if (offPlus < reach && offMinus > 4.0 * reach)
       return Branch::plus;
     // The vertex is not where the line meets the circle.
     return Branch::none;

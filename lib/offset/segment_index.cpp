@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 
 namespace tarnsysm::detail {
 
@@ -48,6 +49,9 @@ SegmentIndex::Node SegmentIndex::unite(const Node& a, const Node& b) {
 }
 
 void SegmentIndex::allocate(int count) {
+  // More than 2^29 segments would overflow the leaf count; that is far beyond any memory anyway.
+  if (count > (1 << 29))
+    throw std::bad_alloc();
   count_ = count > 0 ? count : 0;
   leaves_ = 1;
   while (leaves_ < count_)

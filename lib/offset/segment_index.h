@@ -38,7 +38,8 @@ class SightSegment {
 /// grow, so a stored box may only be larger than its segment, never smaller.
 class SegmentIndex {
  public:
-  /// Builds the tree over the boxes boxOf(0) .. boxOf(count - 1) in O(count).
+  /// Builds the tree over the boxes boxOf(0) .. boxOf(count - 1) in O(count). Throws
+  /// std::bad_alloc when memory (or the leaf count) runs out.
   template <class BoxOf>
   void build(int count, BoxOf&& boxOf);
 

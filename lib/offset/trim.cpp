@@ -8,7 +8,15 @@
 // so a polyline with few crossings costs O(n log n) instead of O(n^2). Segments keep stable ids
 // (their row at the start of the scan); a cut removes the ids inside the loop and the row X takes
 // the id of row i, so id order stays position order and stored boxes only ever grow too large,
-// never too small. The visibility tests of PLineDist use the same tree.
+// never too small. The boxes come from each segment's chord and bulge (an arc's extreme points on
+// its side of the chord) rather than from PL_ArcParam and get_arc_box: the same box without
+// trigonometry, so PL_ArcParam runs only for pairs the boxes and a quick look at a shared row
+// cannot rule out. The visibility tests of PLineDist use the same kind of tree.
+//
+// PLineDist answers with the eligible run of smallest (|d|, run index), which does not depend on
+// the order the runs are tried in: they are tried nearest the point first, and a run that cannot
+// beat the best so far is passed over before its piece is built. The scan measures each loop only
+// as far as its comparisons need (is it nearer than eps, than the saved loop, than the rest).
 //
 // Choices made here:
 //  - A straight segment and an arc cross only at a point that DArcLInts puts on the arc and its
@@ -20,6 +28,10 @@
 //    attributes (fields 3 and 4) of row i; row j keeps its attributes and the head piece of
 //    segment j. In the loop, X carries the tail piece of segment j and the attributes of row j,
 //    so a closed polygon whose closing segment meets segment 0 at row 0 comes back as itself.
+//  - A loop is measured with the polyline's own closed flag, as the scan is defined; an open
+//    polyline's loop is measured without its closing segment.
+//  - Once two neighbouring segments have been cut at their second crossing, a second report of
+//    one (round-off far from the origin) moves the scan on instead of cutting forever.
 //  - Segments with coordinates that are not finite never cross anything.
 //  - TrimLoopS works on a copy and writes the caller's rows only at the end, so when memory runs
 //    out it returns with the rows and the flag untouched.
@@ -54,11 +66,6 @@ struct Segment {
 
 Segment segmentOf(double eps, double x1, double y1, double bulge, double x2, double y2) {
   Segment s{x1, y1, x2, y2, bulge, false, 0.0, 0.0, 0.0, 0.0, 0.0};
-  s.x1 = x1;
-  s.y1 = y1;
-  s.x2 = x2;
-  s.y2 = y2;
-  s.bulge = bulge;
   if (!withinOpen(bulge, eps))
     s.isArc = PL_ArcParam(eps, x1, y1, x2, y2, bulge, &s.cx, &s.cy, &s.r, &s.sa, &s.ea) != 0;
   return s;

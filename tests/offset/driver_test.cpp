@@ -100,6 +100,22 @@ TEST(OffsetStepLimit, arc_towards_its_centre_is_limited_to_its_radius) {
   }
 }
 
+// A chord between two arcs of one circle keeps its length while everything moves (the circle
+// and the chord's line keep their gap). The arcs' centres, each worked out from its own short
+// chord, differ only by round-off, which once made a phantom event and thousands of steps.
+TEST(OffsetStepLimit, segment_between_arcs_of_one_circle_is_not_limited) {
+  const int n = 100000;
+  const double b = std::tan(kPi / (2.0 * n));
+  std::vector<Vertex> v;
+  for (int k = 0; k < 4; ++k) {
+    const double a = 2.0 * kPi * (33910 + k) / n;
+    v.push_back({100.0 * std::cos(a), 100.0 * std::sin(a), k % 2 == 0 ? b : 0.0});
+  }
+  Polyline pl(v);
+  for (const double step : {50.0, -50.0, 1.0, -1.0})
+    EXPECT_EQ(OffsetStepLimit(kEps, step, 1, 1, 4, pl.rows()), step) << step;
+}
+
 TEST(OffsetStepLimit, degenerate_counts) {
   Polyline sq(rectangle(0, 0, 10, 10));
   EXPECT_EQ(OffsetStepLimit(kEps, -8.0, 0, 1, 1, sq.rows()), 0.0);
@@ -598,6 +614,34 @@ TEST(PLineOffset, repeated_cut_of_neighbours_far_from_the_origin_ends) {
   const int n = PLineOffset(kEps, &closed, 60, pl.rows(), 0, pick, -250.984375);
   EXPECT_GE(n, 0);
   EXPECT_LE(n, 120);
+}
+
+}  // namespace
+
+namespace {
+
+// A chord of a circle of radius 100 cut into 100,000 pieces, then the next arc: the vertex lies
+// on the circle only up to round-off that moves the line's roots by about 1e-8, beyond eps. The
+// corner still joins (once it found no branch and was bridged by a half circle).
+TEST(LAOffset, short_chord_into_an_arc_of_a_large_circle_joins) {
+  const int n = 100000;
+  const double b = std::tan(kPi / (2.0 * n));
+  const auto at = [&](int k, double* x, double* y) {
+    *x = 100.0 * std::cos(2.0 * kPi * k / n);
+    *y = 100.0 * std::sin(2.0 * kPi * k / n);
+  };
+  int joined = 0;
+  for (int k = 1; k < 400; k += 2) {
+    double x1, y1, x2, y2, x3, y3, ox, oy, t1, t2;
+    at(k, &x1, &y1);
+    at(k + 1, &x2, &y2);
+    at(k + 2, &x3, &y3);
+    if (LAOffset(kEps, 1.0, x1, y1, x2, y2, x3, y3, b, &ox, &oy, &t1, &t2) == 1) {
+      ++joined;
+      EXPECT_NEAR(std::hypot(ox, oy), 101.0, 1e-9);
+    }
+  }
+  EXPECT_EQ(joined, 200);
 }
 
 }  // namespace
