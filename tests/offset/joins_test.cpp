@@ -330,60 +330,53 @@ TEST(ALOffset, bulge_strictly_within_eps_is_a_line) {
                  ll(kBinEps, 1.0, {0, 0}, {10, 0}, {10, 10}));
 }
 
-// Random line-arc and arc-line corners: every join lies on both moved segments, and its
-// parameters put it there.
-TEST(LAOffset, random_joins_lie_on_the_moved_line_and_the_moved_circle) {
-  Uniform uniform(4321u);
-  int joined = 0;
-  for (int trial = 0; trial < 1000; ++trial) {
-    const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
-    const double bulge = uniform.bulge();
-    const Circle c = circleOfBulge(p2, p3, bulge);
-    const double d = uniform(-0.9, 0.9) * c.r;
-    const double moved = c.r + (bulge > 0 ? d : -d);
-    const Join j = la(kEps, d, p1, p2, p3, bulge);
-    if (j.code != 1)
-      continue;
-    ++joined;
-    const Point x{j.x, j.y};
-    EXPECT_NEAR(rightDistance(p1, p2, x), d, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(lineParameter(p1, p2, x), j.t1, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(std::hypot(j.x - c.cx, j.y - c.cy), moved, 1e-8) << "trial " << trial;
-    // The arc starts at P2 and sweeps 4 atan(bulge): t2 of that sweep reaches the join, which
-    // lies within half a turn of P2.
-    const double sweep = 4.0 * std::atan(bulge);
-    const double angle = std::atan2(p2.y - c.cy, p2.x - c.cx) + j.t2 * sweep;
-    EXPECT_NEAR(c.cx + moved * std::cos(angle), j.x, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(c.cy + moved * std::sin(angle), j.y, 1e-8) << "trial " << trial;
-    EXPECT_LE(std::fabs(j.t2 * sweep), kPi + 1e-8) << "trial " << trial;
-  }
-  EXPECT_GT(joined, 400);
+// A join lies on the line a-b moved by d at parameter t.
+void expectOnMovedLine(Point a, Point b, const Join& j, double d, double t) {
+  EXPECT_NEAR(rightDistance(a, b, {j.x, j.y}), d, 1e-8);
+  EXPECT_NEAR(lineParameter(a, b, {j.x, j.y}), t, 1e-8);
 }
 
-TEST(ALOffset, random_joins_lie_on_the_moved_circle_and_the_moved_line) {
-  Uniform uniform(8765u);
-  int joined = 0;
-  for (int trial = 0; trial < 1000; ++trial) {
-    const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
-    const double bulge = uniform.bulge();
-    const Circle c = circleOfBulge(p1, p2, bulge);
-    const double d = uniform(-0.9, 0.9) * c.r;
-    const double moved = c.r + (bulge > 0 ? d : -d);
-    const Join j = al(kEps, d, p1, p2, p3, bulge);
-    if (j.code != 1)
-      continue;
-    ++joined;
-    const Point x{j.x, j.y};
-    EXPECT_NEAR(rightDistance(p2, p3, x), d, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(lineParameter(p2, p3, x), j.t2, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(std::hypot(j.x - c.cx, j.y - c.cy), moved, 1e-8) << "trial " << trial;
-    const double sweep = 4.0 * std::atan(bulge);
-    const double angle = std::atan2(p1.y - c.cy, p1.x - c.cx) + j.t1 * sweep;
-    EXPECT_NEAR(c.cx + moved * std::cos(angle), j.x, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(c.cy + moved * std::sin(angle), j.y, 1e-8) << "trial " << trial;
-    EXPECT_LE(std::fabs((1.0 - j.t1) * sweep), kPi + 1e-8) << "trial " << trial;
+// A join lies on the circle c of a bulge arc leaving `start`, moved by d, at fraction t of the
+// arc's sweep; returns that part of the sweep.
+double expectOnMovedArc(Point start, const Circle& c, double bulge, const Join& j, double d,
+                        double t, double tol = 1e-8) {
+  const double moved = c.r + (bulge > 0 ? d : -d);
+  EXPECT_NEAR(std::hypot(j.x - c.cx, j.y - c.cy), moved, tol);
+  const double sweep = 4.0 * std::atan(bulge);
+  const double angle = std::atan2(start.y - c.cy, start.x - c.cx) + t * sweep;
+  EXPECT_NEAR(c.cx + moved * std::cos(angle), j.x, tol);
+  EXPECT_NEAR(c.cy + moved * std::sin(angle), j.y, tol);
+  return sweep;
+}
+
+// Random line-arc and arc-line corners: every join lies on both moved segments, and its
+// parameters put it there, within half a turn of the shared vertex along the arc.
+TEST(LAOffset, random_joins_lie_on_the_moved_line_and_the_moved_circle) {
+  for (const bool lineFirst : {true, false}) {
+    Uniform uniform(lineFirst ? 4321u : 8765u);
+    int joined = 0;
+    for (int trial = 0; trial < 1000; ++trial) {
+      SCOPED_TRACE(trial);
+      const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
+      const double bulge = uniform.bulge();
+      const Circle c = lineFirst ? circleOfBulge(p2, p3, bulge) : circleOfBulge(p1, p2, bulge);
+      const double d = uniform(-0.9, 0.9) * c.r;
+      const Join j = lineFirst ? la(kEps, d, p1, p2, p3, bulge) : al(kEps, d, p1, p2, p3, bulge);
+      if (j.code != 1)
+        continue;
+      ++joined;
+      if (lineFirst) {
+        expectOnMovedLine(p1, p2, j, d, j.t1);
+        const double sweep = expectOnMovedArc(p2, c, bulge, j, d, j.t2);
+        EXPECT_LE(std::fabs(j.t2 * sweep), kPi + 1e-8);
+      } else {
+        expectOnMovedLine(p2, p3, j, d, j.t2);
+        const double sweep = expectOnMovedArc(p1, c, bulge, j, d, j.t1);
+        EXPECT_LE(std::fabs((1.0 - j.t1) * sweep), kPi + 1e-8);
+      }
+    }
+    EXPECT_GT(joined, 400);
   }
-  EXPECT_GT(joined, 400);
 }
 
 // --- AAOffset ------------------------------------------------------------------------------
@@ -461,30 +454,21 @@ TEST(AAOffset, random_joins_lie_on_both_moved_circles) {
   Uniform uniform(999u);
   int joined = 0;
   for (int trial = 0; trial < 1000; ++trial) {
+    SCOPED_TRACE(trial);
     const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
     const double bulge1 = uniform.bulge(), bulge2 = uniform.bulge();
     const Circle c1 = circleOfBulge(p1, p2, bulge1);
     const Circle c2 = circleOfBulge(p2, p3, bulge2);
     const double d = uniform(-0.9, 0.9) * std::fmin(c1.r, c2.r);
-    const double moved1 = c1.r + (bulge1 > 0 ? d : -d);
-    const double moved2 = c2.r + (bulge2 > 0 ? d : -d);
     const Join j = aa(kEps, d, p1, p2, p3, bulge1, bulge2);
     if (j.code != 1)
       continue;
     ++joined;
-    const double scale = 1e-8 * (1.0 + c1.r + c2.r);
-    EXPECT_NEAR(std::hypot(j.x - c1.cx, j.y - c1.cy), moved1, scale) << "trial " << trial;
-    EXPECT_NEAR(std::hypot(j.x - c2.cx, j.y - c2.cy), moved2, scale) << "trial " << trial;
-    const double sweep1 = 4.0 * std::atan(bulge1);
-    const double angle1 = std::atan2(p1.y - c1.cy, p1.x - c1.cx) + j.t1 * sweep1;
-    EXPECT_NEAR(c1.cx + moved1 * std::cos(angle1), j.x, scale) << "trial " << trial;
-    EXPECT_NEAR(c1.cy + moved1 * std::sin(angle1), j.y, scale) << "trial " << trial;
-    EXPECT_LE(std::fabs((1.0 - j.t1) * sweep1), kPi + 1e-8) << "trial " << trial;
-    const double sweep2 = 4.0 * std::atan(bulge2);
-    const double angle2 = std::atan2(p2.y - c2.cy, p2.x - c2.cx) + j.t2 * sweep2;
-    EXPECT_NEAR(c2.cx + moved2 * std::cos(angle2), j.x, scale) << "trial " << trial;
-    EXPECT_NEAR(c2.cy + moved2 * std::sin(angle2), j.y, scale) << "trial " << trial;
-    EXPECT_LE(std::fabs(j.t2 * sweep2), kPi + 1e-8) << "trial " << trial;
+    const double tol = 1e-8 * (1.0 + c1.r + c2.r);
+    const double sweep1 = expectOnMovedArc(p1, c1, bulge1, j, d, j.t1, tol);
+    EXPECT_LE(std::fabs((1.0 - j.t1) * sweep1), kPi + 1e-8);
+    const double sweep2 = expectOnMovedArc(p2, c2, bulge2, j, d, j.t2, tol);
+    EXPECT_LE(std::fabs(j.t2 * sweep2), kPi + 1e-8);
   }
   EXPECT_GT(joined, 300);
 }

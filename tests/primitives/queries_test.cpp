@@ -141,6 +141,7 @@ TEST(DPointVerL, foot_and_position_along_the_segment) {
   EXPECT_EQ(fy, 0.0);
   EXPECT_EQ(DPointVerL(eps, 10, 7, 0, 0, 10, 0, &fx, &fy), 1);  // foot exactly at P2
   EXPECT_EQ(DPointVerL(eps, 10 + eps / 2, 7, 0, 0, 10, 0, &fx, &fy), 1);
+  EXPECT_EQ(DPointVerL(eps, 10 + eps, 7, 0, 0, 10, 0, &fx, &fy), 1);  // closed at len + eps
   EXPECT_EQ(DPointVerL(eps, 10 + 2 * eps, 7, 0, 0, 10, 0, &fx, &fy), 2);
   EXPECT_EQ(fx, 10 + 2 * eps);  // the foot is written when outside too
   EXPECT_EQ(DPointVerL(eps, -eps / 2, 7, 0, 0, 10, 0, &fx, &fy), 1);
