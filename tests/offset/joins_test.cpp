@@ -69,6 +69,12 @@ void expectJoin(const Join& j, int code, double x, double y, double t1, double t
   EXPECT_NEAR(j.t2, t2, tol);
 }
 
+// A join that reports `code` and writes nothing.
+void expectNoJoin(const Join& j, int code) {
+  EXPECT_EQ(j.code, code);
+  EXPECT_TRUE(j.untouched());
+}
+
 void expectSameJoin(const Join& a, const Join& b) {
   EXPECT_EQ(a.code, b.code);
   EXPECT_EQ(a.x, b.x);
@@ -154,13 +160,9 @@ TEST(LLOffset, lines_count_as_parallel_while_the_cross_product_is_strictly_withi
 }
 
 TEST(LLOffset, reversal_gives_no_join_and_writes_nothing) {
-  const Join back = ll(kEps, 1.0, {0, 0}, {10, 0}, {5, 0});
-  EXPECT_EQ(back.code, 0);
-  EXPECT_TRUE(back.untouched());
+  expectNoJoin(ll(kEps, 1.0, {0, 0}, {10, 0}, {5, 0}), 0);
   // Nearly reversed, with the cross product still within eps.
-  const Join almost = ll(kBinEps, 1.0, {0, 0}, {10, 0}, {5, kBinEps / 20.0});
-  EXPECT_EQ(almost.code, 0);
-  EXPECT_TRUE(almost.untouched());
+  expectNoJoin(ll(kBinEps, 1.0, {0, 0}, {10, 0}, {5, kBinEps / 20.0}), 0);
 }
 
 TEST(LLOffset, degenerate_lines_report_minus_two_or_minus_three) {
@@ -168,9 +170,7 @@ TEST(LLOffset, degenerate_lines_report_minus_two_or_minus_three) {
   expectJoin(ll(kBinEps, 1.0, {0, 0}, {10, 0}, {10 + kBinEps / 2.0, 0}), -2, 10.0, -1.0, 1.0, 0.0);
   // First line shorter than eps: also -2, the second one moves the vertex.
   expectJoin(ll(kBinEps, 1.0, {10 - kBinEps / 2.0, 0}, {10, 0}, {10, 10}), -2, 11.0, 0.0, 1.0, 0.0);
-  const Join both = ll(kBinEps, 1.0, {10, 0}, {10, 0}, {10, kBinEps / 2.0});
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(ll(kBinEps, 1.0, {10, 0}, {10, 0}, {10, kBinEps / 2.0}), -3);
   // A line exactly eps long is not degenerate: here it continues the first one.
   expectJoin(ll(kBinEps, 1.0, {0, 0}, {10, 0}, {10 + kBinEps, 0}), 2, 10.0, -1.0, 1.0, 0.0);
 }
@@ -208,9 +208,7 @@ TEST(LAOffset, line_into_half_circle_meets_it_where_the_line_enters_the_circle) 
   // the line is extended by a unit, the arc by half its sweep backwards.
   expectJoin(la(kEps, -0.5, {-10, 0}, {0, 0}, {2, 0}, 1.0), 1, 1.0, 0.5, 1.1, -0.5);
   // Moving left by 0.6 the line passes above the circle of radius 0.4.
-  const Join miss = la(kEps, -0.6, {-10, 0}, {0, 0}, {2, 0}, 1.0);
-  EXPECT_EQ(miss.code, 0);
-  EXPECT_TRUE(miss.untouched());
+  expectNoJoin(la(kEps, -0.6, {-10, 0}, {0, 0}, {2, 0}, 1.0), 0);
 }
 
 TEST(LAOffset, tangent_continuation_keeps_a_smooth_join) {
@@ -236,9 +234,7 @@ TEST(LAOffset, touching_line_takes_the_branch_from_the_turn) {
 TEST(LAOffset, touching_line_with_a_turn_within_eps_has_no_join) {
   const double eps = 1e-3;
   // Quarter circle about (0, 0.0015): the turn is 0.0015*tan(pi/8), about 6.2e-4.
-  const Join flat = la(eps, 1e-3, {-1, 0}, {0, 0}, {1.5e-3, 1.5e-3}, kQuarterBulge);
-  EXPECT_EQ(flat.code, 0);
-  EXPECT_TRUE(flat.untouched());
+  expectNoJoin(la(eps, 1e-3, {-1, 0}, {0, 0}, {1.5e-3, 1.5e-3}, kQuarterBulge), 0);
   // About (0, 0.003) the turn is 1.2e-3: the moved line touches the moved circle at (0, -1e-3).
   expectJoin(la(eps, 1e-3, {-1, 0}, {0, 0}, {3e-3, 3e-3}, kQuarterBulge), 1, 0.0, -1e-3, 1.0, 0.0,
              1e-9);
@@ -248,12 +244,8 @@ TEST(LAOffset, touching_line_needs_a_turn_strictly_beyond_eps) {
   // A half circle of chord eps about (0, eps/2) touching the line at (0,0): the turn is
   // chord*|a|*bulge = eps exactly on the way on, -eps on the way back (a cusp); neither decides.
   const double e = kBinEps;
-  const Join on = la(e, e / 4.0, {-1, 0}, {0, 0}, {0, e}, 1.0);
-  EXPECT_EQ(on.code, 0);
-  EXPECT_TRUE(on.untouched());
-  const Join back = la(e, e / 4.0, {-1, 0}, {0, 0}, {0, -e}, 1.0);
-  EXPECT_EQ(back.code, 0);
-  EXPECT_TRUE(back.untouched());
+  expectNoJoin(la(e, e / 4.0, {-1, 0}, {0, 0}, {0, e}, 1.0), 0);
+  expectNoJoin(la(e, e / 4.0, {-1, 0}, {0, 0}, {0, -e}, 1.0), 0);
   // Twice the chord turns by 2 eps: the join is found again.
   EXPECT_EQ(la(e, e / 4.0, {-1, 0}, {0, 0}, {0, 2.0 * e}, 1.0).code, 1);
 }
@@ -263,9 +255,7 @@ TEST(LAOffset, degenerate_segments_report_their_side) {
   expectJoin(la(kEps, 0.5, {0, 0}, {0, 0}, {2, 0}, 1.0), -1, -0.5, 0.0, 1.0, 0.0);
   // No arc: the vertex moves along the line's normal.
   expectJoin(la(kEps, 0.5, {-10, 0}, {0, 0}, {0, 0}, 1.0), -2, 0.0, -0.5, 1.0, 0.0);
-  const Join both = la(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0);
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(la(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0), -3);
 }
 
 TEST(LAOffset, bulge_strictly_within_eps_is_a_line) {
@@ -291,9 +281,7 @@ TEST(ALOffset, half_circle_into_line_meets_where_the_line_leaves_the_circle) {
              1.0 - before / kPi, (kSqrt2 - 1.0) / 10.0);
   // Moving left by 0.5 the line y = 0.5 touches the circle of radius 0.5 at (-1, 0.5).
   expectJoin(al(kEps, -0.5, {-2, 0}, {0, 0}, {10, 0}, 1.0), 1, -1.0, 0.5, 1.5, -0.1);
-  const Join miss = al(kEps, -0.6, {-2, 0}, {0, 0}, {10, 0}, 1.0);
-  EXPECT_EQ(miss.code, 0);
-  EXPECT_TRUE(miss.untouched());
+  expectNoJoin(al(kEps, -0.6, {-2, 0}, {0, 0}, {10, 0}, 1.0), 0);
 }
 
 TEST(ALOffset, touching_line_takes_the_branch_from_the_turn) {
@@ -309,9 +297,7 @@ TEST(ALOffset, touching_line_takes_the_branch_from_the_turn) {
 TEST(ALOffset, touching_line_needs_a_turn_strictly_beyond_eps) {
   // A half circle of chord eps from (0, eps) down to (0,0), leaving along +x: turn -eps.
   const double e = kBinEps;
-  const Join flat = al(e, e / 4.0, {0, e}, {0, 0}, {1, 0}, 1.0);
-  EXPECT_EQ(flat.code, 0);
-  EXPECT_TRUE(flat.untouched());
+  expectNoJoin(al(e, e / 4.0, {0, e}, {0, 0}, {1, 0}, 1.0), 0);
   EXPECT_EQ(al(e, e / 4.0, {0, 2.0 * e}, {0, 0}, {1, 0}, 1.0).code, 1);
 }
 
@@ -320,9 +306,7 @@ TEST(ALOffset, degenerate_segments_report_their_side) {
   expectJoin(al(kEps, 0.5, {0, 0}, {0, 0}, {10, 0}, 1.0), -1, 0.0, -0.5, 1.0, 0.0);
   // No line (second segment): the vertex moves radially, 1.5 from the centre (-1, 0).
   expectJoin(al(kEps, 0.5, {-2, 0}, {0, 0}, {0, 0}, 1.0), -2, 0.5, 0.0, 1.0, 0.0);
-  const Join both = al(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0);
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(al(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0), -3);
 }
 
 TEST(ALOffset, bulge_strictly_within_eps_is_a_line) {
@@ -412,9 +396,7 @@ TEST(AAOffset, left_turn_takes_the_second_circle_point_on_the_vertex_side) {
 
 TEST(AAOffset, moved_circles_that_do_not_meet_give_no_join) {
   // The right turn moved outside: two circles of radius 0.5 with centres sqrt 2 apart.
-  const Join apart = aa(kEps, -0.5, {-2, 0}, {0, 0}, {0, 2}, 1.0, 1.0);
-  EXPECT_EQ(apart.code, 0);
-  EXPECT_TRUE(apart.untouched());
+  expectNoJoin(aa(kEps, -0.5, {-2, 0}, {0, 0}, {0, 2}, 1.0, 1.0), 0);
 }
 
 TEST(AAOffset, concentric_arcs_join_only_when_turning_the_same_way) {
@@ -425,9 +407,7 @@ TEST(AAOffset, concentric_arcs_join_only_when_turning_the_same_way) {
   // Clockwise over the top: right of travel is inwards.
   expectJoin(aa(kEps, 0.5, {-1, 0}, {0, 1}, {1, 0}, -b, -b), 1, 0.0, 0.5, 1.0, 0.0);
   // Back along the same circle: opposite turns never meet again.
-  const Join back = aa(kEps, 0.5, {1, 0}, {0, 1}, {1, 0}, b, -b);
-  EXPECT_EQ(back.code, 0);
-  EXPECT_TRUE(back.untouched());
+  expectNoJoin(aa(kEps, 0.5, {1, 0}, {0, 1}, {1, 0}, b, -b), 0);
 }
 
 TEST(AAOffset, degenerate_arcs_report_their_side) {
@@ -435,9 +415,7 @@ TEST(AAOffset, degenerate_arcs_report_their_side) {
   expectJoin(aa(kEps, 0.5, {-2, 0}, {0, 0}, {0, 0}, 1.0, 1.0), -2, 0.5, 0.0, 1.0, 0.0);
   // First arc degenerate: radially with the second, 1.5 from (0, 1).
   expectJoin(aa(kEps, 0.5, {0, 0}, {0, 0}, {0, 2}, 1.0, 1.0), -1, 0.0, -0.5, 1.0, 0.0);
-  const Join both = aa(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0, 1.0);
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(aa(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0, 1.0), -3);
 }
 
 TEST(AAOffset, zero_bulges_hand_over_first_bulge_first) {
