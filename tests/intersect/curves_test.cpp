@@ -293,51 +293,6 @@ TEST(DCirLInts, lines_not_longer_than_eps_and_misses_give_zero_with_flag_reset) 
   expectHit(cirL(kEps, -2, 3, 2, 3, 0, 0, 1), 0, kS, kS, kS, kS, 0);
 }
 
-TEST(DCirLInts, random_secants_lie_on_line_and_circle_in_travel_order) {
-  std::mt19937_64 rng(42);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1.5, 1.5);
-  int secants = 0, flagsChecked = 0;
-  for (int i = 0; i < 5000; ++i) {
-    const double cx = coord(rng), cy = coord(rng), r = radius(rng);
-    const double x1 = cx + 2 * r * unit(rng), y1 = cy + 2 * r * unit(rng);
-    const double x2 = cx + 2 * r * unit(rng), y2 = cy + 2 * r * unit(rng);
-    if (std::hypot(x2 - x1, y2 - y1) < 1e-3)
-      continue;
-    const Hit h = cirL(kFine, x1, y1, x2, y2, cx, cy, r);
-    const double miss = distanceToLine(cx, cy, x1, y1, x2, y2);
-    const double tol = 1e-9 * (1 + std::fabs(cx) + std::fabs(cy) + r);
-    if (h.n == 0) {
-      EXPECT_GT(miss, r - 2 * kFine);
-      continue;
-    }
-    if (h.n == 1) {
-      EXPECT_NEAR(miss, r, 2 * kFine);
-      continue;
-    }
-    ASSERT_EQ(h.n, 2);
-    EXPECT_LT(miss, r);
-    ++secants;
-    for (const auto& [px, py] : {std::pair{h.xa, h.ya}, std::pair{h.xb, h.yb}}) {
-      EXPECT_NEAR(std::hypot(px - cx, py - cy), r, tol);
-      EXPECT_LT(distanceToLine(px, py, x1, y1, x2, y2), tol);
-    }
-    const double sa = lengthAlong(h.xa, h.ya, x1, y1, x2, y2);
-    const double sb = lengthAlong(h.xb, h.yb, x1, y1, x2, y2);
-    EXPECT_LT(sa, sb);  // A is met first going from the first point to the second
-    const double len = std::hypot(x2 - x1, y2 - y1);
-    const auto near = [&](double s) { return std::fabs(s) < 1e-6 || std::fabs(s - len) < 1e-6; };
-    if (near(sa) || near(sb))
-      continue;
-    const int expected = (sa > 0 && sa < len ? 1 : 0) + (sb > 0 && sb < len ? 2 : 0);
-    EXPECT_EQ(h.flag, expected);
-    ++flagsChecked;
-  }
-  EXPECT_GT(secants, 2000);
-  EXPECT_GT(flagsChecked, 2000);
-}
-
 // ---------------------------------------------------------------------------------------------
 // DArcLInts
 
@@ -396,48 +351,70 @@ TEST(DArcLInts, eps_serves_as_the_angular_tolerance_at_the_arc_ends) {
   EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, 0.1, 0.1).n, 0);
 }
 
-TEST(DArcLInts, random_accepted_points_lie_on_line_circle_and_arc) {
+// Random lines through random circles, with a random sweep for the arc: the circle's points lie
+// on line and circle in travel order with flags from their position along the segment; the arc
+// keeps exactly the circle points on its sweep, the first accepted one in the first slot.
+TEST(DArcLInts, random_lines_meet_circle_and_arc_on_both) {
   std::mt19937_64 rng(43);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1.5, 1.5);
-  std::uniform_real_distribution<double> turn(0, kTwoPi);
-  std::uniform_real_distribution<double> sweepDist(0.1, kTwoPi - 0.1);
-  int accepted = 0, rejectedChecked = 0;
+  std::uniform_real_distribution<double> coord(-100, 100), radius(0.5, 50), unit(-1.5, 1.5),
+      turn(0, kTwoPi), sweepDist(0.1, kTwoPi - 0.1);
+  int secants = 0, flagsChecked = 0, accepted = 0, rejectedChecked = 0;
   for (int i = 0; i < 5000; ++i) {
+    SCOPED_TRACE(i);
     const double cx = coord(rng), cy = coord(rng), r = radius(rng);
     const double x1 = cx + 2 * r * unit(rng), y1 = cy + 2 * r * unit(rng);
     const double x2 = cx + 2 * r * unit(rng), y2 = cy + 2 * r * unit(rng);
     const double sa = turn(rng) - kPi;
     const double ea = sa + sweepDist(rng);
-    double cxa = 0, cya = 0, cxb = 0, cyb = 0;
-    int circleFlag = 0;
-    const int circleN =
-        DCirLInts(kFine, x1, y1, x2, y2, cx, cy, r, &cxa, &cya, &cxb, &cyb, &circleFlag);
-    const Hit h = arcL(kFine, x1, y1, x2, y2, cx, cy, r, sa, ea);
-    ASSERT_LE(h.n, circleN);
-    const double tol = 1e-9 * (1 + std::fabs(cx) + std::fabs(cy) + r);
-    if (circleN != 2)
+    const double len = std::hypot(x2 - x1, y2 - y1);
+    if (len < 1e-3)
       continue;
-    const int onA = angleWithinSweep(cxa, cya, cx, cy, sa, ea, 1e-7);
-    const int onB = angleWithinSweep(cxb, cyb, cx, cy, sa, ea, 1e-7);
+    const Hit h = cirL(kFine, x1, y1, x2, y2, cx, cy, r);
+    const Hit arc = arcL(kFine, x1, y1, x2, y2, cx, cy, r, sa, ea);
+    ASSERT_LE(arc.n, h.n);
+    const double miss = distanceToLine(cx, cy, x1, y1, x2, y2);
+    const double tol = 1e-9 * (1 + std::fabs(cx) + std::fabs(cy) + r);
+    if (h.n == 0) {
+      EXPECT_GT(miss, r - 2 * kFine);
+      continue;
+    }
+    if (h.n == 1) {
+      EXPECT_NEAR(miss, r, 2 * kFine);
+      continue;
+    }
+    ASSERT_EQ(h.n, 2);
+    EXPECT_LT(miss, r);
+    ++secants;
+    for (const auto& [px, py] : {std::pair{h.xa, h.ya}, std::pair{h.xb, h.yb}}) {
+      EXPECT_NEAR(std::hypot(px - cx, py - cy), r, tol);
+      EXPECT_LT(distanceToLine(px, py, x1, y1, x2, y2), tol);
+    }
+    const double sA = lengthAlong(h.xa, h.ya, x1, y1, x2, y2);
+    const double sB = lengthAlong(h.xb, h.yb, x1, y1, x2, y2);
+    EXPECT_LT(sA, sB);  // A is met first going from the first point to the second
+    const auto nearEnd = [&](double s) { return std::fabs(s) < 1e-6 || std::fabs(s - len) < 1e-6; };
+    if (!nearEnd(sA) && !nearEnd(sB)) {
+      EXPECT_EQ(h.flag, (sA > 0 && sA < len ? 1 : 0) + (sB > 0 && sB < len ? 2 : 0));
+      ++flagsChecked;
+    }
+    const int onA = angleWithinSweep(h.xa, h.ya, cx, cy, sa, ea, 1e-7);
+    const int onB = angleWithinSweep(h.xb, h.yb, cx, cy, sa, ea, 1e-7);
     if (onA < 0 || onB < 0)
       continue;
-    ASSERT_EQ(h.n, onA + onB);
+    ASSERT_EQ(arc.n, onA + onB);
     ++rejectedChecked;
-    if (h.n >= 1) {
-      // The first slot holds the accepted point, A when it is accepted, else B.
-      EXPECT_EQ(h.xa, onA ? cxa : cxb);
-      EXPECT_EQ(h.ya, onA ? cya : cyb);
-      EXPECT_NEAR(std::hypot(h.xa - cx, h.ya - cy), r, tol);
-      EXPECT_LT(distanceToLine(h.xa, h.ya, x1, y1, x2, y2), tol);
-      const int bit = onA ? (circleFlag & 1) : (circleFlag >> 1 & 1);
-      EXPECT_EQ(h.flag, h.n == 1 ? bit : circleFlag);
-      ++accepted;
-    } else {
-      EXPECT_EQ(h.flag, 0);
+    if (arc.n == 0) {
+      EXPECT_EQ(arc.flag, 0);
+      continue;
     }
+    EXPECT_EQ(arc.xa, onA ? h.xa : h.xb);
+    EXPECT_EQ(arc.ya, onA ? h.ya : h.yb);
+    const int bit = onA ? (h.flag & 1) : (h.flag >> 1 & 1);
+    EXPECT_EQ(arc.flag, arc.n == 1 ? bit : h.flag);
+    ++accepted;
   }
+  EXPECT_GT(secants, 2000);
+  EXPECT_GT(flagsChecked, 2000);
   EXPECT_GT(accepted, 1000);
   EXPECT_GT(rejectedChecked, 2000);
 }
@@ -555,39 +532,6 @@ TEST(D2CirInts, chord_discriminant_is_a_fourth_power_compared_with_eps_unscaled)
   EXPECT_EQ(p.ya, 0.0);
 }
 
-TEST(D2CirInts, random_crossings_lie_on_both_circles_on_their_own_sides) {
-  std::mt19937_64 rng(44);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1, 1);
-  int crossings = 0;
-  for (int i = 0; i < 5000; ++i) {
-    const double x1 = coord(rng), y1 = coord(rng), r1 = radius(rng), r2 = radius(rng);
-    const double x2 = x1 + (r1 + r2) * unit(rng);
-    const double y2 = y1 + (r1 + r2) * unit(rng);
-    const double d = std::hypot(x2 - x1, y2 - y1);
-    const Pair p = cirCir(kFine, x1, y1, r1, x2, y2, r2);
-    const bool crosses = d < r1 + r2 - 1e-6 && d > std::fabs(r1 - r2) + 1e-6;
-    const bool apart = d > r1 + r2 + 1e-6 || d < std::fabs(r1 - r2) - 1e-6;
-    if (apart) {
-      EXPECT_EQ(p.n, 0);
-    }
-    if (!crosses)
-      continue;
-    ASSERT_EQ(p.n, 2);
-    ++crossings;
-    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
-    for (const auto& [px, py] : {std::pair{p.xa, p.ya}, std::pair{p.xb, p.yb}}) {
-      EXPECT_NEAR(std::hypot(px - x1, py - y1), r1, tol);
-      EXPECT_NEAR(std::hypot(px - x2, py - y2), r2, tol);
-    }
-    // Cross product of the centre line with each point: negative is to the right.
-    EXPECT_LT((x2 - x1) * (p.ya - y1) - (y2 - y1) * (p.xa - x1), 0.0);
-    EXPECT_GT((x2 - x1) * (p.yb - y1) - (y2 - y1) * (p.xb - x1), 0.0);
-  }
-  EXPECT_GT(crossings, 2500);
-}
-
 // ---------------------------------------------------------------------------------------------
 // D2ArcInts
 
@@ -632,42 +576,55 @@ TEST(D2ArcInts, touching_point_counts_when_on_both_arcs) {
   EXPECT_EQ(arcArc(kFine, 0, 0, 1, 0, 1, 5, 0, 1, 0, kTwoPi).n, 0);
 }
 
-TEST(D2ArcInts, random_accepted_points_lie_on_both_arcs) {
+// Random circle pairs with random sweeps: crossing circles meet in two points on both, the
+// first right of the line between the centres; apart circles do not meet; the arcs keep exactly
+// the points on both sweeps, the first accepted one in the first slot.
+TEST(D2ArcInts, random_circles_and_arcs_meet_on_both) {
   std::mt19937_64 rng(45);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1, 1);
-  std::uniform_real_distribution<double> turn(0, kTwoPi);
-  std::uniform_real_distribution<double> sweepDist(0.1, kTwoPi - 0.1);
-  int accepted = 0;
+  std::uniform_real_distribution<double> coord(-100, 100), radius(0.5, 50), unit(-1, 1),
+      turn(0, kTwoPi), sweepDist(0.1, kTwoPi - 0.1);
+  int crossings = 0, accepted = 0;
   for (int i = 0; i < 5000; ++i) {
+    SCOPED_TRACE(i);
     const double x1 = coord(rng), y1 = coord(rng), r1 = radius(rng), r2 = radius(rng);
     const double x2 = x1 + (r1 + r2) * unit(rng);
     const double y2 = y1 + (r1 + r2) * unit(rng);
     const double s1 = turn(rng), e1 = s1 + sweepDist(rng);
     const double s2 = turn(rng) - kPi, e2 = s2 + sweepDist(rng);
-    double xa, ya, xb, yb;
-    if (D2CirInts(kFine, x1, y1, r1, x2, y2, r2, &xa, &ya, &xb, &yb) != 2)
+    const double d = std::hypot(x2 - x1, y2 - y1);
+    const Pair p = cirCir(kFine, x1, y1, r1, x2, y2, r2);
+    if (d > r1 + r2 + 1e-6 || d < std::fabs(r1 - r2) - 1e-6) {
+      EXPECT_EQ(p.n, 0);
+    }
+    if (!(d < r1 + r2 - 1e-6 && d > std::fabs(r1 - r2) + 1e-6))
       continue;
-    const int a1 = angleWithinSweep(xa, ya, x1, y1, s1, e1, 1e-7);
-    const int a2 = angleWithinSweep(xa, ya, x2, y2, s2, e2, 1e-7);
-    const int b1 = angleWithinSweep(xb, yb, x1, y1, s1, e1, 1e-7);
-    const int b2 = angleWithinSweep(xb, yb, x2, y2, s2, e2, 1e-7);
+    ASSERT_EQ(p.n, 2);
+    ++crossings;
+    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
+    for (const auto& [px, py] : {std::pair{p.xa, p.ya}, std::pair{p.xb, p.yb}}) {
+      EXPECT_NEAR(std::hypot(px - x1, py - y1), r1, tol);
+      EXPECT_NEAR(std::hypot(px - x2, py - y2), r2, tol);
+    }
+    // Cross product of the centre line with each point: negative is to the right.
+    EXPECT_LT((x2 - x1) * (p.ya - y1) - (y2 - y1) * (p.xa - x1), 0.0);
+    EXPECT_GT((x2 - x1) * (p.yb - y1) - (y2 - y1) * (p.xb - x1), 0.0);
+
+    const int a1 = angleWithinSweep(p.xa, p.ya, x1, y1, s1, e1, 1e-7);
+    const int a2 = angleWithinSweep(p.xa, p.ya, x2, y2, s2, e2, 1e-7);
+    const int b1 = angleWithinSweep(p.xb, p.yb, x1, y1, s1, e1, 1e-7);
+    const int b2 = angleWithinSweep(p.xb, p.yb, x2, y2, s2, e2, 1e-7);
     if (a1 < 0 || a2 < 0 || b1 < 0 || b2 < 0)
       continue;
-    const Pair p = arcArc(kFine, x1, y1, r1, s1, e1, x2, y2, r2, s2, e2);
-    const bool onA = a1 && a2;
-    const bool onB = b1 && b2;
-    ASSERT_EQ(p.n, onA + onB);
-    if (p.n == 0)
+    const Pair arcs = arcArc(kFine, x1, y1, r1, s1, e1, x2, y2, r2, s2, e2);
+    const bool onA = a1 && a2, onB = b1 && b2;
+    ASSERT_EQ(arcs.n, onA + onB);
+    if (arcs.n == 0)
       continue;
-    EXPECT_EQ(p.xa, onA ? xa : xb);
-    EXPECT_EQ(p.ya, onA ? ya : yb);
-    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
-    EXPECT_NEAR(std::hypot(p.xa - x1, p.ya - y1), r1, tol);
-    EXPECT_NEAR(std::hypot(p.xa - x2, p.ya - y2), r2, tol);
+    EXPECT_EQ(arcs.xa, onA ? p.xa : p.xb);
+    EXPECT_EQ(arcs.ya, onA ? p.ya : p.yb);
     ++accepted;
   }
+  EXPECT_GT(crossings, 2500);
   EXPECT_GT(accepted, 1000);
 }
 
