@@ -51,27 +51,30 @@ int angleWithinSweep(double px, double py, double cx, double cy, double sa, doub
 // ---------------------------------------------------------------------------------------------
 // D2LInts
 
-TEST(D2LInts, vertical_and_horizontal_lines_meet_outside_the_first_segment) {
-  double x = kSentinel, y = kSentinel;
-  int flag = -1;
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 1, 0, 2, -1, 2, 1, &x, &y, &flag), 1);
-  EXPECT_EQ(x, 2.0);
-  EXPECT_EQ(y, 0.0);
-  EXPECT_EQ(flag, 2);
+struct LineHit {
+  int n;
+  double x, y;
+  int flag;
+};
+
+LineHit lines(double eps, double x1, double y1, double x2, double y2, double x3, double y3,
+              double x4, double y4) {
+  LineHit h{0, kSentinel, kSentinel, -1};
+  h.n = D2LInts(eps, x1, y1, x2, y2, x3, y3, x4, y4, &h.x, &h.y, &h.flag);
+  return h;
 }
 
-TEST(D2LInts, crossing_inside_both_segments_sets_both_bits) {
-  double x = 0, y = 0;
-  int flag = -1;
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 4, 4, 0, 4, 4, 0, &x, &y, &flag), 1);
-  EXPECT_EQ(x, 2.0);
-  EXPECT_EQ(y, 2.0);
-  EXPECT_EQ(flag, 3);
-  // Far outside both.
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 1, 1, 10, 0, 11, -1, &x, &y, &flag), 1);
-  EXPECT_DOUBLE_EQ(x, 5.0);
-  EXPECT_DOUBLE_EQ(y, 5.0);
-  EXPECT_EQ(flag, 0);
+void expectLineHit(const LineHit& h, double x, double y, int flag) {
+  ASSERT_EQ(h.n, 1);
+  EXPECT_DOUBLE_EQ(h.x, x);
+  EXPECT_DOUBLE_EQ(h.y, y);
+  EXPECT_EQ(h.flag, flag);
+}
+
+TEST(D2LInts, flag_bits_say_which_segments_hold_the_crossing) {
+  expectLineHit(lines(kEps, 0, 0, 1, 0, 2, -1, 2, 1), 2, 0, 2);  // outside the first only
+  expectLineHit(lines(kEps, 0, 0, 4, 4, 0, 4, 4, 0), 2, 2, 3);
+  expectLineHit(lines(kEps, 0, 0, 1, 1, 10, 0, 11, -1), 5, 5, 0);
 }
 
 struct SegmentEndCase {
@@ -113,62 +116,30 @@ INSTANTIATE_TEST_SUITE_P(
         SegmentEndCase{"second_end_plus_two_eps", 0.5, -1 - 2 * kE, 0.5, -2 * kE, 1}),
     [](const testing::TestParamInfo<SegmentEndCase>& info) { return info.param.name; });
 
-TEST(D2LInts, slope_difference_must_reach_eps) {
-  double x = 0, y = 0;
-  int flag = -1;
+TEST(D2LInts, slope_vertical_and_determinant_tests_decide_parallel_lines) {
   // Slopes eps and 0: exactly eps apart is not parallel (open test); they meet at x = 1/eps.
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 64, 64 * kEps, 0, 1, 64, 1, &x, &y, &flag), 1);
-  EXPECT_EQ(x, 1024.0);
-  EXPECT_EQ(y, 1.0);
-  EXPECT_EQ(flag, 0);
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 64, 128 * kEps, 0, 1, 64, 1, &x, &y, &flag), 1);
-  EXPECT_EQ(x, 512.0);
-  // Half of eps apart: parallel, and the flag is still reset.
-  flag = -1;
-  EXPECT_EQ(D2LInts(kEps, 0, 0, 64, 32 * kEps, 0, 1, 64, 1, &x, &y, &flag), 0);
-  EXPECT_EQ(flag, 0);
-}
-
-TEST(D2LInts, a_line_with_dx_within_eps_counts_as_vertical) {
-  double x = 0, y = 0;
-  int flag = -1;
-  // dx = eps: vertical (closed), and with another vertical line that is "parallel".
-  EXPECT_EQ(D2LInts(kEps, 0, 0, kEps, 1, 5, 0, 5, 1, &x, &y, &flag), 0);
-  EXPECT_EQ(flag, 0);
-  EXPECT_EQ(D2LInts(kEps, 0, 0, -kEps, 1, 5, 0, 5, 1, &x, &y, &flag), 0);
+  expectLineHit(lines(kEps, 0, 0, 64, 64 * kEps, 0, 1, 64, 1), 1024, 1, 0);
+  expectLineHit(lines(kEps, 0, 0, 64, 128 * kEps, 0, 1, 64, 1), 512, 1, 0);
   // dx = 2 eps: a steep line, no slope test against a vertical one, so they meet far up.
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 2 * kEps, 1, 5, 0, 5, 1, &x, &y, &flag), 1);
-  EXPECT_EQ(x, 5.0);
-  EXPECT_EQ(y, 2560.0);
-  EXPECT_EQ(flag, 0);
-}
-
-TEST(D2LInts, determinant_is_an_area_compared_with_eps_unscaled) {
-  double x = kSentinel, y = kSentinel;
-  int flag = -1;
-  // First line vertical of length 0.5; second horizontal of length 2 eps: det = eps exactly.
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 0, 0.5, 1, 0, 1 + 2 * kEps, 0, &x, &y, &flag), 1);
-  EXPECT_EQ(x, 0.0);
-  EXPECT_EQ(y, 0.0);
-  EXPECT_EQ(flag, 1);
-  ASSERT_EQ(D2LInts(kEps, 0, 0, 0, -0.5, 1, 0, 1 + 2 * kEps, 0, &x, &y, &flag), 1);
-  EXPECT_EQ(flag, 1);
-  // det = eps/2: treated as parallel even though the lines are perpendicular.
-  EXPECT_EQ(D2LInts(kEps, 0, 0, 0, 0.25, 1, 0, 1 + 2 * kEps, 0, &x, &y, &flag), 0);
-  EXPECT_EQ(flag, 0);
-}
-
-TEST(D2LInts, parallel_coincident_and_degenerate_lines_give_zero_with_flag_reset) {
-  double x = 0, y = 0;
-  int flag = -1;
-  EXPECT_EQ(D2LInts(kEps, 0, 0, 1, 1, 0, 1, 1, 2, &x, &y, &flag), 0);
-  EXPECT_EQ(flag, 0);
-  flag = -1;
-  EXPECT_EQ(D2LInts(kEps, 0, 0, 2, 1, 4, 2, 6, 3, &x, &y, &flag), 0);  // overlapping
-  EXPECT_EQ(flag, 0);
-  flag = -1;
-  EXPECT_EQ(D2LInts(kEps, 3, 3, 3, 3, 0, 0, 1, 0, &x, &y, &flag), 0);  // a point, not a line
-  EXPECT_EQ(flag, 0);
+  expectLineHit(lines(kEps, 0, 0, 2 * kEps, 1, 5, 0, 5, 1), 5, 2560, 0);
+  // Vertical of length 0.5 against horizontal of length 2 eps: det = eps exactly, an area
+  // compared with eps unscaled.
+  expectLineHit(lines(kEps, 0, 0, 0, 0.5, 1, 0, 1 + 2 * kEps, 0), 0, 0, 1);
+  expectLineHit(lines(kEps, 0, 0, 0, -0.5, 1, 0, 1 + 2 * kEps, 0), 0, 0, 1);
+  // Each of these is "parallel": no point, the flag reset to 0 all the same.
+  const double parallel[][8] = {
+      {0, 0, 64, 32 * kEps, 0, 1, 64, 1},      // slopes eps / 2 apart
+      {0, 0, kEps, 1, 5, 0, 5, 1},             // dx = eps is vertical (closed)
+      {0, 0, -kEps, 1, 5, 0, 5, 1},            //
+      {0, 0, 0, 0.25, 1, 0, 1 + 2 * kEps, 0},  // det = eps / 2, though perpendicular
+      {0, 0, 1, 1, 0, 1, 1, 2},                // truly parallel
+      {0, 0, 2, 1, 4, 2, 6, 3},                // overlapping
+      {3, 3, 3, 3, 0, 0, 1, 0}};               // a point, not a line
+  for (const auto& l : parallel) {
+    const LineHit h = lines(kEps, l[0], l[1], l[2], l[3], l[4], l[5], l[6], l[7]);
+    EXPECT_EQ(h.n, 0) << l[2] << " " << l[3];
+    EXPECT_EQ(h.flag, 0) << l[2] << " " << l[3];
+  }
 }
 
 TEST(D2LInts, random_crossings_lie_on_both_lines_and_flags_match_the_segments) {
@@ -216,44 +187,30 @@ Hit cirL(double eps, double x1, double y1, double x2, double y2, double cx, doub
   return h;
 }
 
-TEST(DCirLInts, secant_points_come_in_travel_order_from_the_first_point) {
-  Hit h = cirL(kEps, -2, 0, 2, 0, 0, 0, 1);
-  ASSERT_EQ(h.n, 2);
-  EXPECT_EQ(h.xa, -1.0);
-  EXPECT_EQ(h.ya, 0.0);
-  EXPECT_EQ(h.xb, 1.0);
-  EXPECT_EQ(h.yb, 0.0);
-  EXPECT_EQ(h.flag, 3);
-
-  h = cirL(kEps, 2, 0, -2, 0, 0, 0, 1);
-  ASSERT_EQ(h.n, 2);
-  EXPECT_EQ(h.xa, 1.0);
-  EXPECT_EQ(h.xb, -1.0);
-
-  h = cirL(kEps, 5, 2, 5, 9, 5, 4, 3);  // vertical, upwards
-  ASSERT_EQ(h.n, 2);
-  EXPECT_NEAR(h.xa, 5.0, 1e-15);
-  EXPECT_NEAR(h.ya, 1.0, 1e-15);
-  EXPECT_NEAR(h.xb, 5.0, 1e-15);
-  EXPECT_NEAR(h.yb, 7.0, 1e-15);
-  EXPECT_EQ(h.flag, 2);  // (5, 1) lies before the segment's start
-
-  h = cirL(kEps, 3, 3, -3, -3, 0, 0, 2);  // diagonal, downwards
-  ASSERT_EQ(h.n, 2);
-  EXPECT_NEAR(h.xa, std::sqrt(2.0), 1e-15);
-  EXPECT_NEAR(h.ya, std::sqrt(2.0), 1e-15);
-  EXPECT_NEAR(h.xb, -std::sqrt(2.0), 1e-15);
-  EXPECT_NEAR(h.yb, -std::sqrt(2.0), 1e-15);
-  EXPECT_EQ(h.flag, 3);
+// Checks the count, both slots (kSentinel: must stay untouched) and the flag.
+void expectHit(const Hit& h, int n, double xa, double ya, double xb, double yb, int flag) {
+  EXPECT_EQ(h.n, n);
+  EXPECT_NEAR(h.xa, xa, 1e-15);
+  EXPECT_NEAR(h.ya, ya, 1e-15);
+  EXPECT_NEAR(h.xb, xb, 1e-15);
+  EXPECT_NEAR(h.yb, yb, 1e-15);
+  EXPECT_EQ(h.flag, flag);
 }
 
-TEST(DCirLInts, flag_bits_follow_the_written_points) {
+constexpr double kS = kSentinel;
+
+TEST(DCirLInts, secant_points_come_in_travel_order_from_the_first_point) {
+  expectHit(cirL(kEps, -2, 0, 2, 0, 0, 0, 1), 2, -1, 0, 1, 0, 3);
+  expectHit(cirL(kEps, 2, 0, -2, 0, 0, 0, 1), 2, 1, 0, -1, 0, 3);
+  // Vertical upwards: (5, 1) lies before the segment's start.
+  expectHit(cirL(kEps, 5, 2, 5, 9, 5, 4, 3), 2, 5, 1, 5, 7, 2);
+  const double h = std::sqrt(2.0);
+  expectHit(cirL(kEps, 3, 3, -3, -3, 0, 0, 2), 2, h, h, -h, -h, 3);  // diagonal, downwards
+  // Flag bits follow the written points.
   EXPECT_EQ(cirL(kEps, 0, 0, 2, 0, 0, 0, 1).flag, 2);
   EXPECT_EQ(cirL(kEps, -2, 0, 0, 0, 0, 0, 1).flag, 1);
-  const Hit inside = cirL(kEps, -0.5, 0, 0.5, 0, 0, 0, 1);
-  EXPECT_EQ(inside.n, 2);
-  EXPECT_EQ(inside.flag, 0);
-  EXPECT_EQ(cirL(kEps, 0, 0, -2, 0, 0, 0, 1).flag, 2);  // reversed: (0.. -2) meets -1 second
+  EXPECT_EQ(cirL(kEps, 0, 0, -2, 0, 0, 0, 1).flag, 2);  // reversed: meets -1 second
+  expectHit(cirL(kEps, -0.5, 0, 0.5, 0, 0, 0, 1), 2, -1, 0, 1, 0, 0);
 }
 
 struct CirLFlagCase {
@@ -289,64 +246,31 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(DCirLInts, tangent_window_is_strict_on_both_sides) {
   // Horizontal lines y = k against the unit circle: the distance to the centre is exactly |k|.
-  Hit h = cirL(kEps, -2, 1 + kEps, 2, 1 + kEps, 0, 0, 1);
-  EXPECT_EQ(h.n, 0);
-  EXPECT_EQ(h.flag, 0);
-  EXPECT_EQ(h.xa, kSentinel);
-
-  h = cirL(kEps, -2, 1 + kEps / 2, 2, 1 + kEps / 2, 0, 0, 1);
-  ASSERT_EQ(h.n, 1);  // the foot of the perpendicular
-  EXPECT_EQ(h.xa, 0.0);
-  EXPECT_EQ(h.ya, 1 + kEps / 2);
-  EXPECT_EQ(h.flag, 1);
-  EXPECT_EQ(h.xb, kSentinel);
-
-  h = cirL(kEps, -2, 1, 2, 1, 0, 0, 1);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, 0.0);
-  EXPECT_EQ(h.ya, 1.0);
-
-  h = cirL(kEps, -2, 1 - kEps / 2, 2, 1 - kEps / 2, 0, 0, 1);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.ya, 1 - kEps / 2);
-
+  auto at = [](double k) { return cirL(kEps, -2, k, 2, k, 0, 0, 1); };
+  expectHit(at(1 + kEps), 0, kS, kS, kS, kS, 0);
+  expectHit(at(1 + kEps / 2), 1, 0, 1 + kEps / 2, kS, kS, 1);  // the foot of the perpendicular
+  expectHit(at(1), 1, 0, 1, kS, kS, 1);
+  expectHit(at(1 - kEps / 2), 1, 0, 1 - kEps / 2, kS, kS, 1);
   // Exactly r - eps falls between the two strict tests: no intersection at all.
-  h = cirL(kEps, -2, 1 - kEps, 2, 1 - kEps, 0, 0, 1);
-  EXPECT_EQ(h.n, 0);
-  EXPECT_EQ(h.flag, 0);
-
-  h = cirL(kEps, -2, 1 - 2 * kEps, 2, 1 - 2 * kEps, 0, 0, 1);
-  ASSERT_EQ(h.n, 2);
+  expectHit(at(1 - kEps), 0, kS, kS, kS, kS, 0);
   const double half = std::sqrt(1 - (1 - 2 * kEps) * (1 - 2 * kEps));
-  EXPECT_NEAR(h.xa, -half, 1e-15);
-  EXPECT_NEAR(h.xb, half, 1e-15);
-  EXPECT_EQ(h.ya, 1 - 2 * kEps);
-  EXPECT_EQ(h.flag, 3);
+  expectHit(at(1 - 2 * kEps), 2, -half, 1 - 2 * kEps, half, 1 - 2 * kEps, 3);
 }
 
 TEST(DCirLInts, tangent_flag_needs_the_foot_strictly_within_eps_of_the_segment) {
   // The tangent point (0, 1) of y = 1 and the unit circle, with the segment ending near it.
-  EXPECT_EQ(cirL(kEps, kEps, 1, 4, 1, 0, 0, 1).flag, 0);
+  expectHit(cirL(kEps, kEps, 1, 4, 1, 0, 0, 1), 1, 0, 1, kS, kS, 0);
   EXPECT_EQ(cirL(kEps, kEps / 2, 1, 4, 1, 0, 0, 1).flag, 1);
   EXPECT_EQ(cirL(kEps, 2 * kEps, 1, 4, 1, 0, 0, 1).flag, 0);
   EXPECT_EQ(cirL(kEps, -3, 1, -kEps, 1, 0, 0, 1).flag, 0);
   EXPECT_EQ(cirL(kEps, -3, 1, -kEps / 2, 1, 0, 0, 1).flag, 1);
-  const Hit h = cirL(kEps, kEps, 1, 4, 1, 0, 0, 1);
-  EXPECT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, 0.0);
-  EXPECT_EQ(h.ya, 1.0);
 }
 
 TEST(DCirLInts, points_closer_than_eps_merge_into_their_midpoint) {
-  // Far from the origin the two points of a tiny circle round to the same double.
+  // Far from the origin the two points of a tiny circle round to the same double; B is kept.
   const double c = 1e8;
   const Hit h = cirL(1e-9, c - 1, 0, c + 1, 0, c, 0, 5e-9);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, c);
-  EXPECT_EQ(h.ya, 0.0);
-  EXPECT_EQ(h.flag, 1);
-  EXPECT_EQ(h.xb, c);  // B is kept
-  EXPECT_EQ(h.yb, 0.0);
+  expectHit(h, 1, c, 0, c, 0, 1);
   // A line slightly tilted through the same kind of circle: the x coordinates round together,
   // the y coordinates stay apart (+-h uy, with h = 5e-9 and uy about 0.05) but closer than eps.
   // xa, ya is their midpoint, the foot (c, 0); B stays in xb, yb.
@@ -359,35 +283,95 @@ TEST(DCirLInts, points_closer_than_eps_merge_into_their_midpoint) {
   EXPECT_EQ(tilted.flag, 1);
   // The same circle seen from a segment that stops short: merged, and off the segment.
   const Hit off = cirL(1e-9, c - 3, 0, c - 1, 0, c, 0, 5e-9);
-  ASSERT_EQ(off.n, 1);
+  EXPECT_EQ(off.n, 1);
   EXPECT_EQ(off.flag, 0);
 }
 
 TEST(DCirLInts, lines_not_longer_than_eps_and_misses_give_zero_with_flag_reset) {
-  Hit h = cirL(kEps, -1, 0, -1 + kEps, 0, 0, 0, 1);
-  EXPECT_EQ(h.n, 0);
-  EXPECT_EQ(h.flag, 0);
-  EXPECT_EQ(h.xa, kSentinel);
-  h = cirL(kEps, -1, 0, -1 + 2 * kEps, 0, 0, 0, 1);  // length 2 eps is a line
-  EXPECT_EQ(h.n, 2);
-  h = cirL(kEps, -2, 3, 2, 3, 0, 0, 1);
-  EXPECT_EQ(h.n, 0);
-  EXPECT_EQ(h.flag, 0);
+  expectHit(cirL(kEps, -1, 0, -1 + kEps, 0, 0, 0, 1), 0, kS, kS, kS, kS, 0);
+  EXPECT_EQ(cirL(kEps, -1, 0, -1 + 2 * kEps, 0, 0, 0, 1).n, 2);  // length 2 eps is a line
+  expectHit(cirL(kEps, -2, 3, 2, 3, 0, 0, 1), 0, kS, kS, kS, kS, 0);
 }
 
-TEST(DCirLInts, random_secants_lie_on_line_and_circle_in_travel_order) {
-  std::mt19937_64 rng(42);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1.5, 1.5);
-  int secants = 0, flagsChecked = 0;
+// ---------------------------------------------------------------------------------------------
+// DArcLInts
+
+Hit arcL(double eps, double x1, double y1, double x2, double y2, double cx, double cy, double r,
+         double sa, double ea) {
+  Hit h{0, kSentinel, kSentinel, kSentinel, kSentinel, -1};
+  h.n = DArcLInts(eps, x1, y1, x2, y2, cx, cy, r, sa, ea, &h.xa, &h.ya, &h.xb, &h.yb, &h.flag);
+  return h;
+}
+
+void expectFirst(const Hit& h, int n, double xa, double ya, int flag) {
+  EXPECT_EQ(h.n, n);
+  EXPECT_NEAR(h.xa, xa, 1e-15);
+  EXPECT_NEAR(h.ya, ya, 1e-15);
+  EXPECT_EQ(h.flag, flag);
+}
+
+TEST(DArcLInts, accepted_points_keep_their_order_and_flag_bits) {
+  // Both on the arc: the circle result, (1, 0) beyond the segment's end.
+  expectHit(arcL(kFine, -2, 0, 0.5, 0, 0, 0, 1, -0.1, kPi + 0.1), 2, -1, 0, 1, 0, 1);
+  // The arc around pi holds (-1, 0) only; the rejected point stays in the second slot. From the
+  // centre to the right (-1, 0) is not on the segment, so no bit survives.
+  expectHit(arcL(kFine, -2, 0, 2, 0, 0, 0, 1, 3 * kPi / 4, 5 * kPi / 4), 1, -1, 0, 1, 0, 1);
+  expectHit(arcL(kFine, 0, 0, 2, 0, 0, 0, 1, 3 * kPi / 4, 5 * kPi / 4), 1, -1, 0, 1, 0, 0);
+  // The arc around 0 holds (1, 0) only: it moves to the first slot with its own bit; the first
+  // point's bit does not carry over when the segment stops before (1, 0).
+  expectFirst(arcL(kFine, -2, 0, 2, 0, 0, 0, 1, -kPi / 4, kPi / 4), 1, 1, 0, 1);
+  expectFirst(arcL(kFine, -2, 0, 0.5, 0, 0, 0, 1, -kPi / 4, kPi / 4), 1, 1, 0, 0);
+  expectFirst(arcL(kFine, 0.5, 0, 2, 0, 0, 0, 1, 7 * kPi / 4, 9 * kPi / 4), 1, 1, 0, 1);
+  // A tangent point on the arc counts once.
+  expectFirst(arcL(kFine, -2, 1, 2, 1, 0, 0, 1, 0, kPi), 1, 0, 1, 1);
+}
+
+TEST(DArcLInts, no_point_on_the_arc_resets_the_flag) {
+  EXPECT_EQ(arcL(kFine, -2, 0, 2, 0, 0, 0, 1, 1.0, 2.0).flag, 0);
+  EXPECT_EQ(arcL(kFine, -2, 1, 2, 1, 0, 0, 1, kPi, kTwoPi).flag, 0);  // tangent point off the arc
+  EXPECT_EQ(arcL(kFine, -2, 3, 2, 3, 0, 0, 1, 0, kTwoPi).flag, 0);    // no circle point
+  EXPECT_EQ(arcL(kFine, -2, 0, 2, 0, 0, 0, 1, 1.0, 2.0).n, 0);
+  EXPECT_EQ(arcL(kFine, -2, 1, 2, 1, 0, 0, 1, kPi, kTwoPi).n, 0);
+}
+
+TEST(DArcLInts, eps_serves_as_the_angular_tolerance_at_the_arc_ends) {
+  // (1, 0) has angle 0 and (-1, 0) angle pi.
+  auto count = [](double eps, double sa, double ea) {
+    return arcL(eps, -2, 0, 2, 0, 0, 0, 1, sa, ea).n;
+  };
+  EXPECT_EQ(count(kEps, kEps / 2, 1), 1);
+  EXPECT_EQ(count(kEps, kEps, 1), 1);
+  EXPECT_EQ(count(kEps, 2 * kEps, 1), 0);
+  EXPECT_EQ(count(kEps, 2, kPi - kEps / 2), 1);
+  EXPECT_EQ(count(kEps, 2, kPi - 2 * kEps), 0);
+  EXPECT_EQ(count(kEps, kEps / 2, kPi - kEps / 2), 2);
+  // An arc whose end equals its start holds only that angle (x = 1 touches at angle 0).
+  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, 0, 0).n, 1);
+  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, kTwoPi, kTwoPi).n, 1);
+  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, 0.1, 0.1).n, 0);
+}
+
+// Random lines through random circles, with a random sweep for the arc: the circle's points lie
+// on line and circle in travel order with flags from their position along the segment; the arc
+// keeps exactly the circle points on its sweep, the first accepted one in the first slot.
+TEST(DArcLInts, random_lines_meet_circle_and_arc_on_both) {
+  std::mt19937_64 rng(43);
+  std::uniform_real_distribution<double> coord(-100, 100), radius(0.5, 50), unit(-1.5, 1.5),
+      turn(0, kTwoPi), sweepDist(0.1, kTwoPi - 0.1);
+  int secants = 0, flagsChecked = 0, accepted = 0, rejectedChecked = 0;
   for (int i = 0; i < 5000; ++i) {
+    SCOPED_TRACE(i);
     const double cx = coord(rng), cy = coord(rng), r = radius(rng);
     const double x1 = cx + 2 * r * unit(rng), y1 = cy + 2 * r * unit(rng);
     const double x2 = cx + 2 * r * unit(rng), y2 = cy + 2 * r * unit(rng);
-    if (std::hypot(x2 - x1, y2 - y1) < 1e-3)
+    const double sa = turn(rng) - kPi;
+    const double ea = sa + sweepDist(rng);
+    const double len = std::hypot(x2 - x1, y2 - y1);
+    if (len < 1e-3)
       continue;
     const Hit h = cirL(kFine, x1, y1, x2, y2, cx, cy, r);
+    const Hit arc = arcL(kFine, x1, y1, x2, y2, cx, cy, r, sa, ea);
+    ASSERT_LE(arc.n, h.n);
     const double miss = distanceToLine(cx, cy, x1, y1, x2, y2);
     const double tol = 1e-9 * (1 + std::fabs(cx) + std::fabs(cy) + r);
     if (h.n == 0) {
@@ -405,155 +389,32 @@ TEST(DCirLInts, random_secants_lie_on_line_and_circle_in_travel_order) {
       EXPECT_NEAR(std::hypot(px - cx, py - cy), r, tol);
       EXPECT_LT(distanceToLine(px, py, x1, y1, x2, y2), tol);
     }
-    const double sa = lengthAlong(h.xa, h.ya, x1, y1, x2, y2);
-    const double sb = lengthAlong(h.xb, h.yb, x1, y1, x2, y2);
-    EXPECT_LT(sa, sb);  // A is met first going from the first point to the second
-    const double len = std::hypot(x2 - x1, y2 - y1);
-    const auto near = [&](double s) { return std::fabs(s) < 1e-6 || std::fabs(s - len) < 1e-6; };
-    if (near(sa) || near(sb))
+    const double sA = lengthAlong(h.xa, h.ya, x1, y1, x2, y2);
+    const double sB = lengthAlong(h.xb, h.yb, x1, y1, x2, y2);
+    EXPECT_LT(sA, sB);  // A is met first going from the first point to the second
+    const auto nearEnd = [&](double s) { return std::fabs(s) < 1e-6 || std::fabs(s - len) < 1e-6; };
+    if (!nearEnd(sA) && !nearEnd(sB)) {
+      EXPECT_EQ(h.flag, (sA > 0 && sA < len ? 1 : 0) + (sB > 0 && sB < len ? 2 : 0));
+      ++flagsChecked;
+    }
+    const int onA = angleWithinSweep(h.xa, h.ya, cx, cy, sa, ea, 1e-7);
+    const int onB = angleWithinSweep(h.xb, h.yb, cx, cy, sa, ea, 1e-7);
+    if (onA < 0 || onB < 0)
       continue;
-    const int expected = (sa > 0 && sa < len ? 1 : 0) + (sb > 0 && sb < len ? 2 : 0);
-    EXPECT_EQ(h.flag, expected);
-    ++flagsChecked;
+    ASSERT_EQ(arc.n, onA + onB);
+    ++rejectedChecked;
+    if (arc.n == 0) {
+      EXPECT_EQ(arc.flag, 0);
+      continue;
+    }
+    EXPECT_EQ(arc.xa, onA ? h.xa : h.xb);
+    EXPECT_EQ(arc.ya, onA ? h.ya : h.yb);
+    const int bit = onA ? (h.flag & 1) : (h.flag >> 1 & 1);
+    EXPECT_EQ(arc.flag, arc.n == 1 ? bit : h.flag);
+    ++accepted;
   }
   EXPECT_GT(secants, 2000);
   EXPECT_GT(flagsChecked, 2000);
-}
-
-// ---------------------------------------------------------------------------------------------
-// DArcLInts
-
-Hit arcL(double eps, double x1, double y1, double x2, double y2, double cx, double cy, double r,
-         double sa, double ea) {
-  Hit h{0, kSentinel, kSentinel, kSentinel, kSentinel, -1};
-  h.n = DArcLInts(eps, x1, y1, x2, y2, cx, cy, r, sa, ea, &h.xa, &h.ya, &h.xb, &h.yb, &h.flag);
-  return h;
-}
-
-TEST(DArcLInts, both_points_on_the_arc_keep_the_circle_result) {
-  const Hit h = arcL(kFine, -2, 0, 0.5, 0, 0, 0, 1, -0.1, kPi + 0.1);
-  ASSERT_EQ(h.n, 2);
-  EXPECT_EQ(h.xa, -1.0);
-  EXPECT_EQ(h.xb, 1.0);
-  EXPECT_EQ(h.flag, 1);  // (1, 0) lies beyond the segment's end
-}
-
-TEST(DArcLInts, only_first_point_on_the_arc_keeps_its_own_flag_bit) {
-  // The arc around pi holds (-1, 0) but not (1, 0).
-  Hit h = arcL(kFine, -2, 0, 2, 0, 0, 0, 1, 3 * kPi / 4, 5 * kPi / 4);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, -1.0);
-  EXPECT_EQ(h.ya, 0.0);
-  EXPECT_EQ(h.flag, 1);
-  EXPECT_EQ(h.xb, 1.0);  // the rejected point stays in the second slot
-  // Segment from the centre to the right: (-1, 0) is not on it, so no bit survives.
-  h = arcL(kFine, 0, 0, 2, 0, 0, 0, 1, 3 * kPi / 4, 5 * kPi / 4);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, -1.0);
-  EXPECT_EQ(h.flag, 0);
-}
-
-TEST(DArcLInts, only_second_point_on_the_arc_moves_to_the_first_slot_with_its_bit) {
-  // The arc around 0 holds (1, 0) but not (-1, 0).
-  Hit h = arcL(kFine, -2, 0, 2, 0, 0, 0, 1, -kPi / 4, kPi / 4);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, 1.0);
-  EXPECT_EQ(h.ya, 0.0);
-  EXPECT_EQ(h.flag, 1);
-  // The segment stops before (1, 0): the first point's bit does not carry over.
-  h = arcL(kFine, -2, 0, 0.5, 0, 0, 0, 1, -kPi / 4, kPi / 4);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, 1.0);
-  EXPECT_EQ(h.flag, 0);
-  // Same with a sweep given through zero as 7 pi/4 -> 9 pi/4.
-  h = arcL(kFine, 0.5, 0, 2, 0, 0, 0, 1, 7 * kPi / 4, 9 * kPi / 4);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, 1.0);
-  EXPECT_EQ(h.flag, 1);
-}
-
-TEST(DArcLInts, no_point_on_the_arc_resets_the_flag) {
-  Hit h = arcL(kFine, -2, 0, 2, 0, 0, 0, 1, 1.0, 2.0);
-  EXPECT_EQ(h.n, 0);
-  EXPECT_EQ(h.flag, 0);
-  // A tangent point off the arc.
-  h = arcL(kFine, -2, 1, 2, 1, 0, 0, 1, kPi, kTwoPi);
-  EXPECT_EQ(h.n, 0);
-  EXPECT_EQ(h.flag, 0);
-  // No circle point at all.
-  h = arcL(kFine, -2, 3, 2, 3, 0, 0, 1, 0, kTwoPi);
-  EXPECT_EQ(h.n, 0);
-  EXPECT_EQ(h.flag, 0);
-}
-
-TEST(DArcLInts, tangent_point_on_the_arc_counts_once) {
-  const Hit h = arcL(kFine, -2, 1, 2, 1, 0, 0, 1, 0, kPi);
-  ASSERT_EQ(h.n, 1);
-  EXPECT_EQ(h.xa, 0.0);
-  EXPECT_EQ(h.ya, 1.0);
-  EXPECT_EQ(h.flag, 1);
-}
-
-TEST(DArcLInts, eps_serves_as_the_angular_tolerance_at_the_arc_ends) {
-  // (1, 0) has angle 0 and (-1, 0) angle pi.
-  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, kEps / 2, 1).n, 1);
-  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, kEps, 1).n, 1);
-  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, 2 * kEps, 1).n, 0);
-  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, 2, kPi - kEps / 2).n, 1);
-  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, 2, kPi - 2 * kEps).n, 0);
-  // Both ends reached within eps: both points.
-  EXPECT_EQ(arcL(kEps, -2, 0, 2, 0, 0, 0, 1, kEps / 2, kPi - kEps / 2).n, 2);
-}
-
-TEST(DArcLInts, arc_whose_end_equals_its_start_holds_only_that_angle) {
-  // The vertical tangent x = 1 touches the unit circle at angle 0.
-  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, 0, 0).n, 1);
-  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, kTwoPi, kTwoPi).n, 1);
-  EXPECT_EQ(arcL(kFine, 1, -2, 1, 2, 0, 0, 1, 0.1, 0.1).n, 0);
-}
-
-TEST(DArcLInts, random_accepted_points_lie_on_line_circle_and_arc) {
-  std::mt19937_64 rng(43);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1.5, 1.5);
-  std::uniform_real_distribution<double> turn(0, kTwoPi);
-  std::uniform_real_distribution<double> sweepDist(0.1, kTwoPi - 0.1);
-  int accepted = 0, rejectedChecked = 0;
-  for (int i = 0; i < 5000; ++i) {
-    const double cx = coord(rng), cy = coord(rng), r = radius(rng);
-    const double x1 = cx + 2 * r * unit(rng), y1 = cy + 2 * r * unit(rng);
-    const double x2 = cx + 2 * r * unit(rng), y2 = cy + 2 * r * unit(rng);
-    const double sa = turn(rng) - kPi;
-    const double ea = sa + sweepDist(rng);
-    double cxa = 0, cya = 0, cxb = 0, cyb = 0;
-    int circleFlag = 0;
-    const int circleN =
-        DCirLInts(kFine, x1, y1, x2, y2, cx, cy, r, &cxa, &cya, &cxb, &cyb, &circleFlag);
-    const Hit h = arcL(kFine, x1, y1, x2, y2, cx, cy, r, sa, ea);
-    ASSERT_LE(h.n, circleN);
-    const double tol = 1e-9 * (1 + std::fabs(cx) + std::fabs(cy) + r);
-    if (circleN != 2)
-      continue;
-    const int onA = angleWithinSweep(cxa, cya, cx, cy, sa, ea, 1e-7);
-    const int onB = angleWithinSweep(cxb, cyb, cx, cy, sa, ea, 1e-7);
-    if (onA < 0 || onB < 0)
-      continue;
-    ASSERT_EQ(h.n, onA + onB);
-    ++rejectedChecked;
-    if (h.n >= 1) {
-      // The first slot holds the accepted point, A when it is accepted, else B.
-      EXPECT_EQ(h.xa, onA ? cxa : cxb);
-      EXPECT_EQ(h.ya, onA ? cya : cyb);
-      EXPECT_NEAR(std::hypot(h.xa - cx, h.ya - cy), r, tol);
-      EXPECT_LT(distanceToLine(h.xa, h.ya, x1, y1, x2, y2), tol);
-      const int bit = onA ? (circleFlag & 1) : (circleFlag >> 1 & 1);
-      EXPECT_EQ(h.flag, h.n == 1 ? bit : circleFlag);
-      ++accepted;
-    } else {
-      EXPECT_EQ(h.flag, 0);
-    }
-  }
   EXPECT_GT(accepted, 1000);
   EXPECT_GT(rejectedChecked, 2000);
 }
@@ -572,48 +433,26 @@ Pair cirCir(double eps, double x1, double y1, double r1, double x2, double y2, d
   return p;
 }
 
-TEST(D2CirInts, first_point_lies_right_of_the_line_between_centres) {
-  Pair p = cirCir(kEps, 0, 0, 1, 1, 0, 1);
-  ASSERT_EQ(p.n, 2);
-  EXPECT_NEAR(p.xa, 0.5, 1e-15);
-  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
-  EXPECT_NEAR(p.xb, 0.5, 1e-15);
-  EXPECT_NEAR(p.yb, kHalfSqrt3, 1e-15);
-  // Swapping the circles reverses the centre line, so the points swap slots.
-  p = cirCir(kEps, 1, 0, 1, 0, 0, 1);
-  ASSERT_EQ(p.n, 2);
-  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
-  EXPECT_NEAR(p.yb, -kHalfSqrt3, 1e-15);
-  // Vertical centre line upwards: right of it is +x. Circles r 5 and r 5 at distance 6: x = +-4.
-  p = cirCir(kEps, 2, 1, 5, 2, 7, 5);
-  ASSERT_EQ(p.n, 2);
-  EXPECT_NEAR(p.xa, 6.0, 1e-14);
-  EXPECT_NEAR(p.ya, 4.0, 1e-14);
-  EXPECT_NEAR(p.xb, -2.0, 1e-14);
-  EXPECT_NEAR(p.yb, 4.0, 1e-14);
-  // Unequal radii: 3-4-5 triangle, centres (0, 0) r 3 and (5, 0) r 4 cross at (1.8, +-2.4).
-  p = cirCir(kEps, 0, 0, 3, 5, 0, 4);
-  ASSERT_EQ(p.n, 2);
-  EXPECT_NEAR(p.xa, 1.8, 1e-14);
-  EXPECT_NEAR(p.ya, -2.4, 1e-14);
-  EXPECT_NEAR(p.xb, 1.8, 1e-14);
-  EXPECT_NEAR(p.yb, 2.4, 1e-14);
+void expectPair(const Pair& p, int n, double xa, double ya, double xb, double yb) {
+  EXPECT_EQ(p.n, n);
+  EXPECT_NEAR(p.xa, xa, 1e-14);
+  EXPECT_NEAR(p.ya, ya, 1e-14);
+  EXPECT_NEAR(p.xb, xb, 1e-14);
+  EXPECT_NEAR(p.yb, yb, 1e-14);
 }
 
-TEST(D2CirInts, touching_circles_give_the_foot_of_the_common_chord) {
-  Pair p = cirCir(kEps, 0, 0, 1, 2, 0, 1);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_EQ(p.xa, 1.0);
-  EXPECT_EQ(p.ya, 0.0);
-  EXPECT_EQ(p.xb, kSentinel);
-  // Touching from inside: r 2 about the origin and r 1 about (1, 0) touch at (2, 0).
-  p = cirCir(kEps, 0, 0, 2, 1, 0, 1);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_EQ(p.xa, 2.0);
-  EXPECT_EQ(p.ya, 0.0);
-  p = cirCir(kEps, 1, 0, 1, 0, 0, 2);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_EQ(p.xa, 2.0);
+TEST(D2CirInts, first_point_lies_right_of_the_line_between_centres) {
+  expectPair(cirCir(kEps, 0, 0, 1, 1, 0, 1), 2, 0.5, -kHalfSqrt3, 0.5, kHalfSqrt3);
+  // Swapping the circles reverses the centre line, so the points swap slots.
+  expectPair(cirCir(kEps, 1, 0, 1, 0, 0, 1), 2, 0.5, kHalfSqrt3, 0.5, -kHalfSqrt3);
+  // Vertical centre line upwards: right of it is +x. Radii 5 and 5 at distance 6: x = 2 +- 4.
+  expectPair(cirCir(kEps, 2, 1, 5, 2, 7, 5), 2, 6, 4, -2, 4);
+  // Unequal radii: 3-4-5 triangle, centres (0, 0) r 3 and (5, 0) r 4 cross at (1.8, +-2.4).
+  expectPair(cirCir(kEps, 0, 0, 3, 5, 0, 4), 2, 1.8, -2.4, 1.8, 2.4);
+  // Touching from outside and, both ways round, from inside: the foot of the common chord.
+  expectPair(cirCir(kEps, 0, 0, 1, 2, 0, 1), 1, 1, 0, kSentinel, kSentinel);
+  expectPair(cirCir(kEps, 0, 0, 2, 1, 0, 1), 1, 2, 0, kSentinel, kSentinel);
+  expectPair(cirCir(kEps, 1, 0, 1, 0, 0, 2), 1, 2, 0, kSentinel, kSentinel);
 }
 
 struct CirCirCase {
@@ -670,15 +509,12 @@ INSTANTIATE_TEST_SUITE_P(Inside, D2CirIntsBoundaries,
                            return info.param.name;
                          });
 
-TEST(D2CirInts, concentric_circles_never_meet) {
+TEST(D2CirInts, concentric_and_too_small_circles_never_meet) {
   EXPECT_EQ(cirCir(kEps, 3, 4, 1, 3, 4, 1).n, 0);
   EXPECT_EQ(cirCir(kEps, 3, 4, 1, 3, 4, 2).n, 0);
   // Radii differing by exactly eps pass the nesting test; still no point.
   EXPECT_EQ(cirCir(kEps, 0, 0, 1, 0, 0, 1 + kEps).n, 0);
   EXPECT_EQ(cirCir(kEps, 0, 0, 0, 0, 0, 0).n, 0);
-}
-
-TEST(D2CirInts, circles_too_small_to_normalise_by_are_points_and_never_meet) {
   // Radii of 0, or so small that their square is no longer a normal double, would make the
   // radius-normalised distances infinite; such circles ten units apart must not "touch".
   EXPECT_EQ(cirCir(kEps, 0, 0, 0, 10, 0, 0).n, 0);
@@ -696,39 +532,6 @@ TEST(D2CirInts, chord_discriminant_is_a_fourth_power_compared_with_eps_unscaled)
   EXPECT_EQ(p.ya, 0.0);
 }
 
-TEST(D2CirInts, random_crossings_lie_on_both_circles_on_their_own_sides) {
-  std::mt19937_64 rng(44);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1, 1);
-  int crossings = 0;
-  for (int i = 0; i < 5000; ++i) {
-    const double x1 = coord(rng), y1 = coord(rng), r1 = radius(rng), r2 = radius(rng);
-    const double x2 = x1 + (r1 + r2) * unit(rng);
-    const double y2 = y1 + (r1 + r2) * unit(rng);
-    const double d = std::hypot(x2 - x1, y2 - y1);
-    const Pair p = cirCir(kFine, x1, y1, r1, x2, y2, r2);
-    const bool crosses = d < r1 + r2 - 1e-6 && d > std::fabs(r1 - r2) + 1e-6;
-    const bool apart = d > r1 + r2 + 1e-6 || d < std::fabs(r1 - r2) - 1e-6;
-    if (apart) {
-      EXPECT_EQ(p.n, 0);
-    }
-    if (!crosses)
-      continue;
-    ASSERT_EQ(p.n, 2);
-    ++crossings;
-    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
-    for (const auto& [px, py] : {std::pair{p.xa, p.ya}, std::pair{p.xb, p.yb}}) {
-      EXPECT_NEAR(std::hypot(px - x1, py - y1), r1, tol);
-      EXPECT_NEAR(std::hypot(px - x2, py - y2), r2, tol);
-    }
-    // Cross product of the centre line with each point: negative is to the right.
-    EXPECT_LT((x2 - x1) * (p.ya - y1) - (y2 - y1) * (p.xa - x1), 0.0);
-    EXPECT_GT((x2 - x1) * (p.yb - y1) - (y2 - y1) * (p.xb - x1), 0.0);
-  }
-  EXPECT_GT(crossings, 2500);
-}
-
 // ---------------------------------------------------------------------------------------------
 // D2ArcInts
 
@@ -741,98 +544,87 @@ Pair arcArc(double eps, double x1, double y1, double r1, double s1, double e1, d
 
 // Circles (0, 0) r 1 and (1, 0) r 1 cross at A = (0.5, -sqrt3/2) and B = (0.5, sqrt3/2). Seen from
 // the first centre A lies at -pi/3 and B at pi/3; from the second at -2pi/3 and 2pi/3.
-
-TEST(D2ArcInts, full_arcs_behave_like_circles) {
-  const Pair p = arcArc(kFine, 0, 0, 1, 0, kTwoPi, 1, 0, 1, -kPi, kPi);
-  ASSERT_EQ(p.n, 2);
-  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
-  EXPECT_NEAR(p.yb, kHalfSqrt3, 1e-15);
+Pair unitArcs(double s1, double e1, double s2, double e2) {
+  return arcArc(kFine, 0, 0, 1, s1, e1, 1, 0, 1, s2, e2);
 }
 
-TEST(D2ArcInts, only_second_point_counting_moves_it_to_the_first_slot) {
-  // First arc: the upper right quarter holds B only.
-  Pair p = arcArc(kFine, 0, 0, 1, 0, kHalfPi, 1, 0, 1, 0, kTwoPi);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_NEAR(p.xa, 0.5, 1e-15);
-  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
-  // Second arc: from pi/2 to pi about (1, 0) holds B only.
-  p = arcArc(kFine, 0, 0, 1, 0, kTwoPi, 1, 0, 1, kHalfPi, kPi);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
-}
-
-TEST(D2ArcInts, only_first_point_counting_leaves_the_rejected_one_in_the_second_slot) {
-  const Pair p = arcArc(kFine, 0, 0, 1, -kHalfPi, 0, 1, 0, 1, 0, kTwoPi);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_NEAR(p.xa, 0.5, 1e-15);
-  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
-  EXPECT_NEAR(p.xb, 0.5, 1e-15);
-  EXPECT_NEAR(p.yb, kHalfSqrt3, 1e-15);
-}
-
-TEST(D2ArcInts, a_point_must_lie_on_both_arcs) {
-  // A is on the first arc but not on the second; B on the second but not on the first.
-  EXPECT_EQ(arcArc(kFine, 0, 0, 1, -kHalfPi, 0, 1, 0, 1, kHalfPi, kPi).n, 0);
-  EXPECT_EQ(arcArc(kFine, 0, 0, 1, 1.5, 5.0, 1, 0, 1, 0, kTwoPi).n, 0);
-}
-
-TEST(D2ArcInts, arc_whose_end_equals_its_start_holds_only_that_angle) {
-  Pair p = arcArc(kFine, 0, 0, 1, kPi / 3, kPi / 3, 1, 0, 1, 0, kTwoPi);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_NEAR(p.ya, kHalfSqrt3, 1e-15);
-  p = arcArc(kFine, 0, 0, 1, -kPi / 3, -kPi / 3, 1, 0, 1, 0, kTwoPi);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_NEAR(p.ya, -kHalfSqrt3, 1e-15);
-  EXPECT_EQ(arcArc(kFine, 0, 0, 1, 1.0, 1.0, 1, 0, 1, 0, kTwoPi).n, 0);
+TEST(D2ArcInts, accepted_points_fill_the_first_slot_first) {
+  // Full arcs behave like circles.
+  expectPair(unitArcs(0, kTwoPi, -kPi, kPi), 2, 0.5, -kHalfSqrt3, 0.5, kHalfSqrt3);
+  // Only B counts (upper right quarter of the first, or pi/2..pi of the second): first slot.
+  EXPECT_NEAR(unitArcs(0, kHalfPi, 0, kTwoPi).ya, kHalfSqrt3, 1e-15);
+  EXPECT_EQ(unitArcs(0, kHalfPi, 0, kTwoPi).n, 1);
+  EXPECT_NEAR(unitArcs(0, kTwoPi, kHalfPi, kPi).ya, kHalfSqrt3, 1e-15);
+  EXPECT_EQ(unitArcs(0, kTwoPi, kHalfPi, kPi).n, 1);
+  // Only A counts: the rejected B stays in the second slot.
+  expectPair(unitArcs(-kHalfPi, 0, 0, kTwoPi), 1, 0.5, -kHalfSqrt3, 0.5, kHalfSqrt3);
+  // A point must lie on both arcs.
+  EXPECT_EQ(unitArcs(-kHalfPi, 0, kHalfPi, kPi).n, 0);
+  EXPECT_EQ(unitArcs(1.5, 5.0, 0, kTwoPi).n, 0);
+  // An arc whose end equals its start holds only that angle.
+  EXPECT_NEAR(unitArcs(kPi / 3, kPi / 3, 0, kTwoPi).ya, kHalfSqrt3, 1e-15);
+  EXPECT_NEAR(unitArcs(-kPi / 3, -kPi / 3, 0, kTwoPi).ya, -kHalfSqrt3, 1e-15);
+  EXPECT_EQ(unitArcs(-kPi / 3, -kPi / 3, 0, kTwoPi).n, 1);
+  EXPECT_EQ(unitArcs(1.0, 1.0, 0, kTwoPi).n, 0);
 }
 
 TEST(D2ArcInts, touching_point_counts_when_on_both_arcs) {
   // Circles (0, 0) r 1 and (2, 0) r 1 touch at (1, 0): angle 0 from the first, pi from the second.
-  Pair p = arcArc(kFine, 0, 0, 1, -0.1, 0.1, 2, 0, 1, 3.0, 3.3);
-  ASSERT_EQ(p.n, 1);
-  EXPECT_EQ(p.xa, 1.0);
-  EXPECT_EQ(p.ya, 0.0);
+  expectPair(arcArc(kFine, 0, 0, 1, -0.1, 0.1, 2, 0, 1, 3.0, 3.3), 1, 1, 0, kSentinel, kSentinel);
   EXPECT_EQ(arcArc(kFine, 0, 0, 1, -0.1, 0.1, 2, 0, 1, 0.0, 1.0).n, 0);
   EXPECT_EQ(arcArc(kFine, 0, 0, 1, 0.5, 6.0, 2, 0, 1, 3.0, 3.3).n, 0);
   EXPECT_EQ(arcArc(kFine, 0, 0, 1, 0, 1, 5, 0, 1, 0, kTwoPi).n, 0);
 }
 
-TEST(D2ArcInts, random_accepted_points_lie_on_both_arcs) {
+// Random circle pairs with random sweeps: crossing circles meet in two points on both, the
+// first right of the line between the centres; apart circles do not meet; the arcs keep exactly
+// the points on both sweeps, the first accepted one in the first slot.
+TEST(D2ArcInts, random_circles_and_arcs_meet_on_both) {
   std::mt19937_64 rng(45);
-  std::uniform_real_distribution<double> coord(-100, 100);
-  std::uniform_real_distribution<double> radius(0.5, 50);
-  std::uniform_real_distribution<double> unit(-1, 1);
-  std::uniform_real_distribution<double> turn(0, kTwoPi);
-  std::uniform_real_distribution<double> sweepDist(0.1, kTwoPi - 0.1);
-  int accepted = 0;
+  std::uniform_real_distribution<double> coord(-100, 100), radius(0.5, 50), unit(-1, 1),
+      turn(0, kTwoPi), sweepDist(0.1, kTwoPi - 0.1);
+  int crossings = 0, accepted = 0;
   for (int i = 0; i < 5000; ++i) {
+    SCOPED_TRACE(i);
     const double x1 = coord(rng), y1 = coord(rng), r1 = radius(rng), r2 = radius(rng);
     const double x2 = x1 + (r1 + r2) * unit(rng);
     const double y2 = y1 + (r1 + r2) * unit(rng);
     const double s1 = turn(rng), e1 = s1 + sweepDist(rng);
     const double s2 = turn(rng) - kPi, e2 = s2 + sweepDist(rng);
-    double xa, ya, xb, yb;
-    if (D2CirInts(kFine, x1, y1, r1, x2, y2, r2, &xa, &ya, &xb, &yb) != 2)
+    const double d = std::hypot(x2 - x1, y2 - y1);
+    const Pair p = cirCir(kFine, x1, y1, r1, x2, y2, r2);
+    if (d > r1 + r2 + 1e-6 || d < std::fabs(r1 - r2) - 1e-6) {
+      EXPECT_EQ(p.n, 0);
+    }
+    if (!(d < r1 + r2 - 1e-6 && d > std::fabs(r1 - r2) + 1e-6))
       continue;
-    const int a1 = angleWithinSweep(xa, ya, x1, y1, s1, e1, 1e-7);
-    const int a2 = angleWithinSweep(xa, ya, x2, y2, s2, e2, 1e-7);
-    const int b1 = angleWithinSweep(xb, yb, x1, y1, s1, e1, 1e-7);
-    const int b2 = angleWithinSweep(xb, yb, x2, y2, s2, e2, 1e-7);
+    ASSERT_EQ(p.n, 2);
+    ++crossings;
+    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
+    for (const auto& [px, py] : {std::pair{p.xa, p.ya}, std::pair{p.xb, p.yb}}) {
+      EXPECT_NEAR(std::hypot(px - x1, py - y1), r1, tol);
+      EXPECT_NEAR(std::hypot(px - x2, py - y2), r2, tol);
+    }
+    // Cross product of the centre line with each point: negative is to the right.
+    EXPECT_LT((x2 - x1) * (p.ya - y1) - (y2 - y1) * (p.xa - x1), 0.0);
+    EXPECT_GT((x2 - x1) * (p.yb - y1) - (y2 - y1) * (p.xb - x1), 0.0);
+
+    const int a1 = angleWithinSweep(p.xa, p.ya, x1, y1, s1, e1, 1e-7);
+    const int a2 = angleWithinSweep(p.xa, p.ya, x2, y2, s2, e2, 1e-7);
+    const int b1 = angleWithinSweep(p.xb, p.yb, x1, y1, s1, e1, 1e-7);
+    const int b2 = angleWithinSweep(p.xb, p.yb, x2, y2, s2, e2, 1e-7);
     if (a1 < 0 || a2 < 0 || b1 < 0 || b2 < 0)
       continue;
-    const Pair p = arcArc(kFine, x1, y1, r1, s1, e1, x2, y2, r2, s2, e2);
-    const bool onA = a1 && a2;
-    const bool onB = b1 && b2;
-    ASSERT_EQ(p.n, onA + onB);
-    if (p.n == 0)
+    const Pair arcs = arcArc(kFine, x1, y1, r1, s1, e1, x2, y2, r2, s2, e2);
+    const bool onA = a1 && a2, onB = b1 && b2;
+    ASSERT_EQ(arcs.n, onA + onB);
+    if (arcs.n == 0)
       continue;
-    EXPECT_EQ(p.xa, onA ? xa : xb);
-    EXPECT_EQ(p.ya, onA ? ya : yb);
-    const double tol = 1e-9 * (1 + std::fabs(x1) + std::fabs(y1) + r1 + r2);
-    EXPECT_NEAR(std::hypot(p.xa - x1, p.ya - y1), r1, tol);
-    EXPECT_NEAR(std::hypot(p.xa - x2, p.ya - y2), r2, tol);
+    EXPECT_EQ(arcs.xa, onA ? p.xa : p.xb);
+    EXPECT_EQ(arcs.ya, onA ? p.ya : p.yb);
     ++accepted;
   }
+  EXPECT_GT(crossings, 2500);
   EXPECT_GT(accepted, 1000);
 }
 

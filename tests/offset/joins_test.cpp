@@ -69,6 +69,12 @@ void expectJoin(const Join& j, int code, double x, double y, double t1, double t
   EXPECT_NEAR(j.t2, t2, tol);
 }
 
+// A join that reports `code` and writes nothing.
+void expectNoJoin(const Join& j, int code) {
+  EXPECT_EQ(j.code, code);
+  EXPECT_TRUE(j.untouched());
+}
+
 void expectSameJoin(const Join& a, const Join& b) {
   EXPECT_EQ(a.code, b.code);
   EXPECT_EQ(a.x, b.x);
@@ -154,13 +160,9 @@ TEST(LLOffset, lines_count_as_parallel_while_the_cross_product_is_strictly_withi
 }
 
 TEST(LLOffset, reversal_gives_no_join_and_writes_nothing) {
-  const Join back = ll(kEps, 1.0, {0, 0}, {10, 0}, {5, 0});
-  EXPECT_EQ(back.code, 0);
-  EXPECT_TRUE(back.untouched());
+  expectNoJoin(ll(kEps, 1.0, {0, 0}, {10, 0}, {5, 0}), 0);
   // Nearly reversed, with the cross product still within eps.
-  const Join almost = ll(kBinEps, 1.0, {0, 0}, {10, 0}, {5, kBinEps / 20.0});
-  EXPECT_EQ(almost.code, 0);
-  EXPECT_TRUE(almost.untouched());
+  expectNoJoin(ll(kBinEps, 1.0, {0, 0}, {10, 0}, {5, kBinEps / 20.0}), 0);
 }
 
 TEST(LLOffset, degenerate_lines_report_minus_two_or_minus_three) {
@@ -168,9 +170,7 @@ TEST(LLOffset, degenerate_lines_report_minus_two_or_minus_three) {
   expectJoin(ll(kBinEps, 1.0, {0, 0}, {10, 0}, {10 + kBinEps / 2.0, 0}), -2, 10.0, -1.0, 1.0, 0.0);
   // First line shorter than eps: also -2, the second one moves the vertex.
   expectJoin(ll(kBinEps, 1.0, {10 - kBinEps / 2.0, 0}, {10, 0}, {10, 10}), -2, 11.0, 0.0, 1.0, 0.0);
-  const Join both = ll(kBinEps, 1.0, {10, 0}, {10, 0}, {10, kBinEps / 2.0});
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(ll(kBinEps, 1.0, {10, 0}, {10, 0}, {10, kBinEps / 2.0}), -3);
   // A line exactly eps long is not degenerate: here it continues the first one.
   expectJoin(ll(kBinEps, 1.0, {0, 0}, {10, 0}, {10 + kBinEps, 0}), 2, 10.0, -1.0, 1.0, 0.0);
 }
@@ -208,9 +208,7 @@ TEST(LAOffset, line_into_half_circle_meets_it_where_the_line_enters_the_circle) 
   // the line is extended by a unit, the arc by half its sweep backwards.
   expectJoin(la(kEps, -0.5, {-10, 0}, {0, 0}, {2, 0}, 1.0), 1, 1.0, 0.5, 1.1, -0.5);
   // Moving left by 0.6 the line passes above the circle of radius 0.4.
-  const Join miss = la(kEps, -0.6, {-10, 0}, {0, 0}, {2, 0}, 1.0);
-  EXPECT_EQ(miss.code, 0);
-  EXPECT_TRUE(miss.untouched());
+  expectNoJoin(la(kEps, -0.6, {-10, 0}, {0, 0}, {2, 0}, 1.0), 0);
 }
 
 TEST(LAOffset, tangent_continuation_keeps_a_smooth_join) {
@@ -236,9 +234,7 @@ TEST(LAOffset, touching_line_takes_the_branch_from_the_turn) {
 TEST(LAOffset, touching_line_with_a_turn_within_eps_has_no_join) {
   const double eps = 1e-3;
   // Quarter circle about (0, 0.0015): the turn is 0.0015*tan(pi/8), about 6.2e-4.
-  const Join flat = la(eps, 1e-3, {-1, 0}, {0, 0}, {1.5e-3, 1.5e-3}, kQuarterBulge);
-  EXPECT_EQ(flat.code, 0);
-  EXPECT_TRUE(flat.untouched());
+  expectNoJoin(la(eps, 1e-3, {-1, 0}, {0, 0}, {1.5e-3, 1.5e-3}, kQuarterBulge), 0);
   // About (0, 0.003) the turn is 1.2e-3: the moved line touches the moved circle at (0, -1e-3).
   expectJoin(la(eps, 1e-3, {-1, 0}, {0, 0}, {3e-3, 3e-3}, kQuarterBulge), 1, 0.0, -1e-3, 1.0, 0.0,
              1e-9);
@@ -248,12 +244,8 @@ TEST(LAOffset, touching_line_needs_a_turn_strictly_beyond_eps) {
   // A half circle of chord eps about (0, eps/2) touching the line at (0,0): the turn is
   // chord*|a|*bulge = eps exactly on the way on, -eps on the way back (a cusp); neither decides.
   const double e = kBinEps;
-  const Join on = la(e, e / 4.0, {-1, 0}, {0, 0}, {0, e}, 1.0);
-  EXPECT_EQ(on.code, 0);
-  EXPECT_TRUE(on.untouched());
-  const Join back = la(e, e / 4.0, {-1, 0}, {0, 0}, {0, -e}, 1.0);
-  EXPECT_EQ(back.code, 0);
-  EXPECT_TRUE(back.untouched());
+  expectNoJoin(la(e, e / 4.0, {-1, 0}, {0, 0}, {0, e}, 1.0), 0);
+  expectNoJoin(la(e, e / 4.0, {-1, 0}, {0, 0}, {0, -e}, 1.0), 0);
   // Twice the chord turns by 2 eps: the join is found again.
   EXPECT_EQ(la(e, e / 4.0, {-1, 0}, {0, 0}, {0, 2.0 * e}, 1.0).code, 1);
 }
@@ -263,9 +255,7 @@ TEST(LAOffset, degenerate_segments_report_their_side) {
   expectJoin(la(kEps, 0.5, {0, 0}, {0, 0}, {2, 0}, 1.0), -1, -0.5, 0.0, 1.0, 0.0);
   // No arc: the vertex moves along the line's normal.
   expectJoin(la(kEps, 0.5, {-10, 0}, {0, 0}, {0, 0}, 1.0), -2, 0.0, -0.5, 1.0, 0.0);
-  const Join both = la(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0);
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(la(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0), -3);
 }
 
 TEST(LAOffset, bulge_strictly_within_eps_is_a_line) {
@@ -291,9 +281,7 @@ TEST(ALOffset, half_circle_into_line_meets_where_the_line_leaves_the_circle) {
              1.0 - before / kPi, (kSqrt2 - 1.0) / 10.0);
   // Moving left by 0.5 the line y = 0.5 touches the circle of radius 0.5 at (-1, 0.5).
   expectJoin(al(kEps, -0.5, {-2, 0}, {0, 0}, {10, 0}, 1.0), 1, -1.0, 0.5, 1.5, -0.1);
-  const Join miss = al(kEps, -0.6, {-2, 0}, {0, 0}, {10, 0}, 1.0);
-  EXPECT_EQ(miss.code, 0);
-  EXPECT_TRUE(miss.untouched());
+  expectNoJoin(al(kEps, -0.6, {-2, 0}, {0, 0}, {10, 0}, 1.0), 0);
 }
 
 TEST(ALOffset, touching_line_takes_the_branch_from_the_turn) {
@@ -309,9 +297,7 @@ TEST(ALOffset, touching_line_takes_the_branch_from_the_turn) {
 TEST(ALOffset, touching_line_needs_a_turn_strictly_beyond_eps) {
   // A half circle of chord eps from (0, eps) down to (0,0), leaving along +x: turn -eps.
   const double e = kBinEps;
-  const Join flat = al(e, e / 4.0, {0, e}, {0, 0}, {1, 0}, 1.0);
-  EXPECT_EQ(flat.code, 0);
-  EXPECT_TRUE(flat.untouched());
+  expectNoJoin(al(e, e / 4.0, {0, e}, {0, 0}, {1, 0}, 1.0), 0);
   EXPECT_EQ(al(e, e / 4.0, {0, 2.0 * e}, {0, 0}, {1, 0}, 1.0).code, 1);
 }
 
@@ -320,9 +306,7 @@ TEST(ALOffset, degenerate_segments_report_their_side) {
   expectJoin(al(kEps, 0.5, {0, 0}, {0, 0}, {10, 0}, 1.0), -1, 0.0, -0.5, 1.0, 0.0);
   // No line (second segment): the vertex moves radially, 1.5 from the centre (-1, 0).
   expectJoin(al(kEps, 0.5, {-2, 0}, {0, 0}, {0, 0}, 1.0), -2, 0.5, 0.0, 1.0, 0.0);
-  const Join both = al(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0);
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(al(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0), -3);
 }
 
 TEST(ALOffset, bulge_strictly_within_eps_is_a_line) {
@@ -330,60 +314,53 @@ TEST(ALOffset, bulge_strictly_within_eps_is_a_line) {
                  ll(kBinEps, 1.0, {0, 0}, {10, 0}, {10, 10}));
 }
 
-// Random line-arc and arc-line corners: every join lies on both moved segments, and its
-// parameters put it there.
-TEST(LAOffset, random_joins_lie_on_the_moved_line_and_the_moved_circle) {
-  Uniform uniform(4321u);
-  int joined = 0;
-  for (int trial = 0; trial < 1000; ++trial) {
-    const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
-    const double bulge = uniform.bulge();
-    const Circle c = circleOfBulge(p2, p3, bulge);
-    const double d = uniform(-0.9, 0.9) * c.r;
-    const double moved = c.r + (bulge > 0 ? d : -d);
-    const Join j = la(kEps, d, p1, p2, p3, bulge);
-    if (j.code != 1)
-      continue;
-    ++joined;
-    const Point x{j.x, j.y};
-    EXPECT_NEAR(rightDistance(p1, p2, x), d, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(lineParameter(p1, p2, x), j.t1, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(std::hypot(j.x - c.cx, j.y - c.cy), moved, 1e-8) << "trial " << trial;
-    // The arc starts at P2 and sweeps 4 atan(bulge): t2 of that sweep reaches the join, which
-    // lies within half a turn of P2.
-    const double sweep = 4.0 * std::atan(bulge);
-    const double angle = std::atan2(p2.y - c.cy, p2.x - c.cx) + j.t2 * sweep;
-    EXPECT_NEAR(c.cx + moved * std::cos(angle), j.x, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(c.cy + moved * std::sin(angle), j.y, 1e-8) << "trial " << trial;
-    EXPECT_LE(std::fabs(j.t2 * sweep), kPi + 1e-8) << "trial " << trial;
-  }
-  EXPECT_GT(joined, 400);
+// A join lies on the line a-b moved by d at parameter t.
+void expectOnMovedLine(Point a, Point b, const Join& j, double d, double t) {
+  EXPECT_NEAR(rightDistance(a, b, {j.x, j.y}), d, 1e-8);
+  EXPECT_NEAR(lineParameter(a, b, {j.x, j.y}), t, 1e-8);
 }
 
-TEST(ALOffset, random_joins_lie_on_the_moved_circle_and_the_moved_line) {
-  Uniform uniform(8765u);
-  int joined = 0;
-  for (int trial = 0; trial < 1000; ++trial) {
-    const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
-    const double bulge = uniform.bulge();
-    const Circle c = circleOfBulge(p1, p2, bulge);
-    const double d = uniform(-0.9, 0.9) * c.r;
-    const double moved = c.r + (bulge > 0 ? d : -d);
-    const Join j = al(kEps, d, p1, p2, p3, bulge);
-    if (j.code != 1)
-      continue;
-    ++joined;
-    const Point x{j.x, j.y};
-    EXPECT_NEAR(rightDistance(p2, p3, x), d, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(lineParameter(p2, p3, x), j.t2, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(std::hypot(j.x - c.cx, j.y - c.cy), moved, 1e-8) << "trial " << trial;
-    const double sweep = 4.0 * std::atan(bulge);
-    const double angle = std::atan2(p1.y - c.cy, p1.x - c.cx) + j.t1 * sweep;
-    EXPECT_NEAR(c.cx + moved * std::cos(angle), j.x, 1e-8) << "trial " << trial;
-    EXPECT_NEAR(c.cy + moved * std::sin(angle), j.y, 1e-8) << "trial " << trial;
-    EXPECT_LE(std::fabs((1.0 - j.t1) * sweep), kPi + 1e-8) << "trial " << trial;
+// A join lies on the circle c of a bulge arc leaving `start`, moved by d, at fraction t of the
+// arc's sweep; returns that part of the sweep.
+double expectOnMovedArc(Point start, const Circle& c, double bulge, const Join& j, double d,
+                        double t, double tol = 1e-8) {
+  const double moved = c.r + (bulge > 0 ? d : -d);
+  EXPECT_NEAR(std::hypot(j.x - c.cx, j.y - c.cy), moved, tol);
+  const double sweep = 4.0 * std::atan(bulge);
+  const double angle = std::atan2(start.y - c.cy, start.x - c.cx) + t * sweep;
+  EXPECT_NEAR(c.cx + moved * std::cos(angle), j.x, tol);
+  EXPECT_NEAR(c.cy + moved * std::sin(angle), j.y, tol);
+  return sweep;
+}
+
+// Random line-arc and arc-line corners: every join lies on both moved segments, and its
+// parameters put it there, within half a turn of the shared vertex along the arc.
+TEST(LAOffset, random_joins_lie_on_the_moved_line_and_the_moved_circle) {
+  for (const bool lineFirst : {true, false}) {
+    Uniform uniform(lineFirst ? 4321u : 8765u);
+    int joined = 0;
+    for (int trial = 0; trial < 1000; ++trial) {
+      SCOPED_TRACE(trial);
+      const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
+      const double bulge = uniform.bulge();
+      const Circle c = lineFirst ? circleOfBulge(p2, p3, bulge) : circleOfBulge(p1, p2, bulge);
+      const double d = uniform(-0.9, 0.9) * c.r;
+      const Join j = lineFirst ? la(kEps, d, p1, p2, p3, bulge) : al(kEps, d, p1, p2, p3, bulge);
+      if (j.code != 1)
+        continue;
+      ++joined;
+      if (lineFirst) {
+        expectOnMovedLine(p1, p2, j, d, j.t1);
+        const double sweep = expectOnMovedArc(p2, c, bulge, j, d, j.t2);
+        EXPECT_LE(std::fabs(j.t2 * sweep), kPi + 1e-8);
+      } else {
+        expectOnMovedLine(p2, p3, j, d, j.t2);
+        const double sweep = expectOnMovedArc(p1, c, bulge, j, d, j.t1);
+        EXPECT_LE(std::fabs((1.0 - j.t1) * sweep), kPi + 1e-8);
+      }
+    }
+    EXPECT_GT(joined, 400);
   }
-  EXPECT_GT(joined, 400);
 }
 
 // --- AAOffset ------------------------------------------------------------------------------
@@ -419,9 +396,7 @@ TEST(AAOffset, left_turn_takes_the_second_circle_point_on_the_vertex_side) {
 
 TEST(AAOffset, moved_circles_that_do_not_meet_give_no_join) {
   // The right turn moved outside: two circles of radius 0.5 with centres sqrt 2 apart.
-  const Join apart = aa(kEps, -0.5, {-2, 0}, {0, 0}, {0, 2}, 1.0, 1.0);
-  EXPECT_EQ(apart.code, 0);
-  EXPECT_TRUE(apart.untouched());
+  expectNoJoin(aa(kEps, -0.5, {-2, 0}, {0, 0}, {0, 2}, 1.0, 1.0), 0);
 }
 
 TEST(AAOffset, concentric_arcs_join_only_when_turning_the_same_way) {
@@ -432,9 +407,7 @@ TEST(AAOffset, concentric_arcs_join_only_when_turning_the_same_way) {
   // Clockwise over the top: right of travel is inwards.
   expectJoin(aa(kEps, 0.5, {-1, 0}, {0, 1}, {1, 0}, -b, -b), 1, 0.0, 0.5, 1.0, 0.0);
   // Back along the same circle: opposite turns never meet again.
-  const Join back = aa(kEps, 0.5, {1, 0}, {0, 1}, {1, 0}, b, -b);
-  EXPECT_EQ(back.code, 0);
-  EXPECT_TRUE(back.untouched());
+  expectNoJoin(aa(kEps, 0.5, {1, 0}, {0, 1}, {1, 0}, b, -b), 0);
 }
 
 TEST(AAOffset, degenerate_arcs_report_their_side) {
@@ -442,9 +415,7 @@ TEST(AAOffset, degenerate_arcs_report_their_side) {
   expectJoin(aa(kEps, 0.5, {-2, 0}, {0, 0}, {0, 0}, 1.0, 1.0), -2, 0.5, 0.0, 1.0, 0.0);
   // First arc degenerate: radially with the second, 1.5 from (0, 1).
   expectJoin(aa(kEps, 0.5, {0, 0}, {0, 0}, {0, 2}, 1.0, 1.0), -1, 0.0, -0.5, 1.0, 0.0);
-  const Join both = aa(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0, 1.0);
-  EXPECT_EQ(both.code, -3);
-  EXPECT_TRUE(both.untouched());
+  expectNoJoin(aa(kEps, 0.5, {0, 0}, {0, 0}, {0, 0}, 1.0, 1.0), -3);
 }
 
 TEST(AAOffset, zero_bulges_hand_over_first_bulge_first) {
@@ -461,30 +432,21 @@ TEST(AAOffset, random_joins_lie_on_both_moved_circles) {
   Uniform uniform(999u);
   int joined = 0;
   for (int trial = 0; trial < 1000; ++trial) {
+    SCOPED_TRACE(trial);
     const Point p1 = uniform.point(10), p2 = uniform.point(10), p3 = uniform.point(10);
     const double bulge1 = uniform.bulge(), bulge2 = uniform.bulge();
     const Circle c1 = circleOfBulge(p1, p2, bulge1);
     const Circle c2 = circleOfBulge(p2, p3, bulge2);
     const double d = uniform(-0.9, 0.9) * std::fmin(c1.r, c2.r);
-    const double moved1 = c1.r + (bulge1 > 0 ? d : -d);
-    const double moved2 = c2.r + (bulge2 > 0 ? d : -d);
     const Join j = aa(kEps, d, p1, p2, p3, bulge1, bulge2);
     if (j.code != 1)
       continue;
     ++joined;
-    const double scale = 1e-8 * (1.0 + c1.r + c2.r);
-    EXPECT_NEAR(std::hypot(j.x - c1.cx, j.y - c1.cy), moved1, scale) << "trial " << trial;
-    EXPECT_NEAR(std::hypot(j.x - c2.cx, j.y - c2.cy), moved2, scale) << "trial " << trial;
-    const double sweep1 = 4.0 * std::atan(bulge1);
-    const double angle1 = std::atan2(p1.y - c1.cy, p1.x - c1.cx) + j.t1 * sweep1;
-    EXPECT_NEAR(c1.cx + moved1 * std::cos(angle1), j.x, scale) << "trial " << trial;
-    EXPECT_NEAR(c1.cy + moved1 * std::sin(angle1), j.y, scale) << "trial " << trial;
-    EXPECT_LE(std::fabs((1.0 - j.t1) * sweep1), kPi + 1e-8) << "trial " << trial;
-    const double sweep2 = 4.0 * std::atan(bulge2);
-    const double angle2 = std::atan2(p2.y - c2.cy, p2.x - c2.cx) + j.t2 * sweep2;
-    EXPECT_NEAR(c2.cx + moved2 * std::cos(angle2), j.x, scale) << "trial " << trial;
-    EXPECT_NEAR(c2.cy + moved2 * std::sin(angle2), j.y, scale) << "trial " << trial;
-    EXPECT_LE(std::fabs(j.t2 * sweep2), kPi + 1e-8) << "trial " << trial;
+    const double tol = 1e-8 * (1.0 + c1.r + c2.r);
+    const double sweep1 = expectOnMovedArc(p1, c1, bulge1, j, d, j.t1, tol);
+    EXPECT_LE(std::fabs((1.0 - j.t1) * sweep1), kPi + 1e-8);
+    const double sweep2 = expectOnMovedArc(p2, c2, bulge2, j, d, j.t2, tol);
+    EXPECT_LE(std::fabs(j.t2 * sweep2), kPi + 1e-8);
   }
   EXPECT_GT(joined, 300);
 }

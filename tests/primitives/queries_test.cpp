@@ -81,29 +81,20 @@ TEST(DPointOnLine, segment_shorter_than_eps_is_a_point_with_a_box) {
 
 // ---- DPointOnArc ------------------------------------------------------------------------
 
-TEST(DPointOnArc, radial_tolerance_is_closed_at_eps) {
+TEST(DPointOnArc, radial_and_angular_tolerances_are_closed_at_eps) {
   const double eps = kDyadicEps;
-  // Quarter arc of radius 2 about (1, 1) from 0 to pi / 2; points on its start ray (c = d / r).
-  const double sa = 0.0;
-  const double ea = kHalfPi;
-  EXPECT_EQ(DPointOnArc(eps, 1 + 2, 1, 1, 1, 2, sa, ea), 1);
-  EXPECT_EQ(DPointOnArc(eps, 1 + 2 + eps, 1, 1, 1, 2, sa, ea), 1);
-  EXPECT_EQ(DPointOnArc(eps, 1 + 2 + eps / 2, 1, 1, 1, 2, sa, ea), 1);
-  EXPECT_EQ(DPointOnArc(eps, 1 + 2 + 2 * eps, 1, 1, 1, 2, sa, ea), 0);
-  EXPECT_EQ(DPointOnArc(eps, 1 + 2 - eps, 1, 1, 1, 2, sa, ea), 1);
-  EXPECT_EQ(DPointOnArc(eps, 1 + 2 - 2 * eps, 1, 1, 1, 2, sa, ea), 0);
-}
-
-TEST(DPointOnArc, angular_tolerance_at_the_ends) {
-  const double r = 1.0;
-  auto at = [&](double angle) {
-    return DPointOnArc(kEps, r * std::cos(angle), r * std::sin(angle), 0, 0, r, 0.5, 2.0);
-  };
-  EXPECT_EQ(at(1.0), 1);
-  EXPECT_EQ(at(2.0 + kEps / 2), 1);
-  EXPECT_EQ(at(2.0 + 2 * kEps), 0);
-  EXPECT_EQ(at(0.5 - kEps / 2), 1);
-  EXPECT_EQ(at(0.5 - 2 * kEps), 0);
+  // Quarter arc of radius 2 about (1, 1) from 0 to pi / 2; points on its start ray.
+  for (auto [dr, expected] :
+       {std::pair{0.0, 1}, {eps, 1}, {eps / 2, 1}, {2 * eps, 0}, {-eps, 1}, {-2 * eps, 0}})
+    EXPECT_EQ(DPointOnArc(eps, 1 + 2 + dr, 1, 1, 1, 2, 0.0, kHalfPi), expected) << dr;
+  // The unit arc from 0.5 to 2.0 probed by angle.
+  for (auto [angle, expected] : {std::pair{1.0, 1},
+                                 {2.0 + kEps / 2, 1},
+                                 {2.0 + 2 * kEps, 0},
+                                 {0.5 - kEps / 2, 1},
+                                 {0.5 - 2 * kEps, 0}})
+    EXPECT_EQ(DPointOnArc(kEps, std::cos(angle), std::sin(angle), 0, 0, 1, 0.5, 2.0), expected)
+        << angle;
 }
 
 TEST(DPointOnArc, points_below_the_centre_get_angles_past_pi) {
@@ -141,6 +132,7 @@ TEST(DPointVerL, foot_and_position_along_the_segment) {
   EXPECT_EQ(fy, 0.0);
   EXPECT_EQ(DPointVerL(eps, 10, 7, 0, 0, 10, 0, &fx, &fy), 1);  // foot exactly at P2
   EXPECT_EQ(DPointVerL(eps, 10 + eps / 2, 7, 0, 0, 10, 0, &fx, &fy), 1);
+  EXPECT_EQ(DPointVerL(eps, 10 + eps, 7, 0, 0, 10, 0, &fx, &fy), 1);  // closed at len + eps
   EXPECT_EQ(DPointVerL(eps, 10 + 2 * eps, 7, 0, 0, 10, 0, &fx, &fy), 2);
   EXPECT_EQ(fx, 10 + 2 * eps);  // the foot is written when outside too
   EXPECT_EQ(DPointVerL(eps, -eps / 2, 7, 0, 0, 10, 0, &fx, &fy), 1);
@@ -186,23 +178,19 @@ TEST(DPonLdisP, distance_along_the_segment_direction_either_way) {
 
 TEST(DPnearLine, parameter_tolerance_snaps_inward_to_the_ends) {
   const double eps = kDyadicEps;
-  double nx = 0, ny = 0;
-  // Segment (0,0)-(1,0): the parameter is the point's x.
-  EXPECT_EQ(DPnearLine(eps, eps / 2, 3, 0, 0, 1, 0, &nx, &ny), 1);
-  EXPECT_EQ(nx, 0.0);
-  EXPECT_EQ(DPnearLine(eps, eps, 3, 0, 0, 1, 0, &nx, &ny), 1);
-  EXPECT_EQ(nx, eps);  // exactly eps is no longer snapped
-  EXPECT_EQ(DPnearLine(eps, 2 * eps, 3, 0, 0, 1, 0, &nx, &ny), 1);
-  EXPECT_EQ(nx, 2 * eps);
-  EXPECT_EQ(DPnearLine(eps, 1 - eps / 2, 3, 0, 0, 1, 0, &nx, &ny), 1);
-  EXPECT_EQ(nx, 1.0);
-  EXPECT_EQ(DPnearLine(eps, 1 - eps, 3, 0, 0, 1, 0, &nx, &ny), 1);
-  EXPECT_EQ(nx, 1 - eps);
-  EXPECT_EQ(DPnearLine(eps, -4, 3, 0, 0, 1, 0, &nx, &ny), 1);
-  EXPECT_EQ(nx, 0.0);
-  EXPECT_EQ(DPnearLine(eps, 9, -3, 0, 0, 1, 0, &nx, &ny), 1);
-  EXPECT_EQ(nx, 1.0);
-  EXPECT_EQ(ny, 0.0);
+  // Segment (0,0)-(1,0): the parameter is the point's x; exactly eps is no longer snapped.
+  for (auto [px, nearest] : {std::pair{eps / 2, 0.0},
+                             {eps, eps},
+                             {2 * eps, 2 * eps},
+                             {1 - eps / 2, 1.0},
+                             {1 - eps, 1 - eps},
+                             {-4.0, 0.0},
+                             {9.0, 1.0}}) {
+    double nx = kSentinel, ny = kSentinel;
+    EXPECT_EQ(DPnearLine(eps, px, px > 5 ? -3 : 3, 0, 0, 1, 0, &nx, &ny), 1);
+    EXPECT_EQ(nx, nearest) << px;
+    EXPECT_EQ(ny, 0.0) << px;
+  }
 }
 
 TEST(DPnearLine, parameter_tolerance_does_not_scale_with_length) {

@@ -167,43 +167,21 @@ TEST(SolveQuadratic, random_roots_are_recovered_in_plus_root_order) {
   }
 }
 
-TEST(SolveQuadratic, random_coefficients_give_roots_that_satisfy_the_equation) {
-  std::mt19937_64 rng(32);
-  std::uniform_real_distribution<double> coef(-20, 20);
-  int withRoots = 0;
-  for (int i = 0; i < 5000; ++i) {
-    const double a = coef(rng), b = coef(rng), c = coef(rng);
-    double roots[2];
-    const int n = SolveQuadratic(kEps, a, b, c, roots);
-    ASSERT_GE(n, 0);
-    EXPECT_EQ(n == 0, b * b - 4 * a * c < 0) << a << " " << b << " " << c;
-    for (int k = 0; k < n; ++k)
-      EXPECT_LT(relativeResidual({a, b, c}, roots[k]), 1e-12);
-    withRoots += n > 0;
-  }
-  EXPECT_GT(withRoots, 1000);
-}
-
 // ---------------------------------------------------------------------------------------------
 // SolveCubic
 
 TEST(SolveCubic, three_roots_come_largest_smallest_middle) {
-  double roots[3];
-  // (x-1)(x-2)(x-3): h = 0, so the trigonometric angle is pi/2 and the roots come 3, 1, 2.
-  ASSERT_EQ(SolveCubic(kEps, 1, -6, 11, -6, roots), 3);
-  EXPECT_NEAR(roots[0], 3.0, 1e-14);
-  EXPECT_NEAR(roots[1], 1.0, 1e-14);
-  EXPECT_NEAR(roots[2], 2.0, 1e-14);
-  // (x+1)(x+2)(x+4), with h < 0 (the angle is lifted by pi): -1, -4, -2.
-  ASSERT_EQ(SolveCubic(kEps, 2, 14, 28, 16, roots), 3);
-  EXPECT_NEAR(roots[0], -1.0, 1e-13);
-  EXPECT_NEAR(roots[1], -4.0, 1e-13);
-  EXPECT_NEAR(roots[2], -2.0, 1e-13);
-  // (x-1)(x-2)(x-4), with h > 0: 4, 1, 2.
-  ASSERT_EQ(SolveCubic(kEps, -1, 7, -14, 8, roots), 3);
-  EXPECT_NEAR(roots[0], 4.0, 1e-13);
-  EXPECT_NEAR(roots[1], 1.0, 1e-13);
-  EXPECT_NEAR(roots[2], 2.0, 1e-13);
+  // (x-1)(x-2)(x-3) has h = 0, so the trigonometric angle is pi/2; (x+1)(x+2)(x+4) has h < 0
+  // (the angle is lifted by pi); (x-1)(x-2)(x-4) has h > 0.
+  const double cases[][7] = {{1, -6, 11, -6, 3, 1, 2},  // coefficients, then the roots in order
+                             {2, 14, 28, 16, -1, -4, -2},
+                             {-1, 7, -14, 8, 4, 1, 2}};
+  for (const auto& c : cases) {
+    double roots[3];
+    ASSERT_EQ(SolveCubic(kEps, c[0], c[1], c[2], c[3], roots), 3);
+    for (int k = 0; k < 3; ++k)
+      EXPECT_NEAR(roots[k], c[4 + k], 1e-13) << c[1] << " root " << k;
+  }
 }
 
 TEST(SolveCubic, one_real_root) {
