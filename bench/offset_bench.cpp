@@ -23,12 +23,12 @@
 namespace {
 
 using tarnsysm::bench::makeShape;
+using tarnsysm::bench::pickPoint;
 using tarnsysm::bench::ShapeKind;
 using tarnsysm::bench::shapeName;
 using tarnsysm::bench::shapeSize;
 using tarnsysm::bench::ShapeVertex;
-
-enum class Side { kInward, kOutward };
+using tarnsysm::bench::Side;
 
 constexpr double kEps = 1e-9;
 
@@ -38,32 +38,6 @@ struct OffsetCase {
   double distance;
   std::vector<int> sizes;
 };
-
-// The pick point decides the side. Outward: well outside every shape (3 S on the x axis, a
-// little off it so that it does not line up with the vertex at angle 0). Inward, circle and
-// rounded rectangle: next to the centre. Inward, gear and star: the picked point's distance is
-// the one at which the raw offset of some three-vertex piece passes through it, and no such piece
-// of a toothed outline passes through the centre (the offset would fail), so the pick sits just
-// inside the middle of the first tooth flank (segment 0, straight), a twentieth of the vertex
-// spacing 2 pi S / N away from it, as a user would click next to the outline.
-void pickPoint(ShapeKind kind, const std::vector<ShapeVertex>& shape, Side side, double* pick) {
-  const int n = static_cast<int>(shape.size());
-  if (side == Side::kOutward) {
-    pick[0] = 3.0 * shapeSize(kind, n);
-    pick[1] = 0.1;
-  } else if (kind == ShapeKind::kCircle || kind == ShapeKind::kRoundedRect) {
-    pick[0] = 0.1;
-    pick[1] = 0.05;
-  } else {
-    const double dx = shape[1].x - shape[0].x;
-    const double dy = shape[1].y - shape[0].y;
-    const double length = std::sqrt(dx * dx + dy * dy);
-    const double h = 0.05 * 2.0 * tarnsysm::detail::kPi * shapeSize(kind, n) / n;
-    // Left of travel is inside a counter-clockwise outline.
-    pick[0] = (shape[0].x + shape[1].x) / 2.0 - dy / length * h;
-    pick[1] = (shape[0].y + shape[1].y) / 2.0 + dx / length * h;
-  }
-}
 
 // Rows in the library's layout: field 3 numbers the source vertex, field 4 is 0.
 void fillRows(const std::vector<ShapeVertex>& shape, double (*rows)[5]) {

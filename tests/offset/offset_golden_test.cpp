@@ -22,14 +22,14 @@
 namespace {
 
 using tarnsysm::bench::makeShape;
+using tarnsysm::bench::pickPoint;
 using tarnsysm::bench::ShapeKind;
 using tarnsysm::bench::shapeName;
 using tarnsysm::bench::shapeSize;
 using tarnsysm::bench::ShapeVertex;
+using tarnsysm::bench::Side;
 
 constexpr double kEps = 1e-9;
-
-enum class Side { inward, outward };
 
 // What identifies one result: the row count and closed flag, a hash of every bit of every row
 // (all five fields), and, to read a failure more easily, its signed area and extents.
@@ -64,27 +64,6 @@ std::uint64_t hashRows(double (*const v)[5], int rows) {
     }
   }
   return h;
-}
-
-// The pick point of the benchmark: outward well outside the shape, a little off the x axis;
-// inward next to the centre of circle and rounded rectangle, and for the toothed shapes just
-// inside the middle of the first flank, a twentieth of the vertex spacing away from it.
-void pickPoint(ShapeKind kind, const std::vector<ShapeVertex>& shape, Side side, double* pick) {
-  const int n = static_cast<int>(shape.size());
-  if (side == Side::outward) {
-    pick[0] = 3.0 * shapeSize(kind, n);
-    pick[1] = 0.1;
-  } else if (kind == ShapeKind::kCircle || kind == ShapeKind::kRoundedRect) {
-    pick[0] = 0.1;
-    pick[1] = 0.05;
-  } else {
-    const double dx = shape[1].x - shape[0].x;
-    const double dy = shape[1].y - shape[0].y;
-    const double length = std::sqrt(dx * dx + dy * dy);
-    const double h = 0.05 * 2.0 * tarnsysm::detail::kPi * shapeSize(kind, n) / n;
-    pick[0] = (shape[0].x + shape[1].x) / 2.0 - dy / length * h;
-    pick[1] = (shape[0].y + shape[1].y) / 2.0 + dx / length * h;
-  }
 }
 
 Fingerprint offsetFingerprint(const GoldenCase& c) {
@@ -147,24 +126,24 @@ TEST_P(OffsetGolden, result_is_bit_identical_to_the_recorded_one) {
 // clang-format off
 const GoldenCase kCases[] = {
     // The measured cases at N = 1,000.
-    {ShapeKind::kCircle, 1000, Side::outward, 1.0, 1, {1000, 1, 0x1c2a79ca8133d495ULL, -32047.282789732046, -100.99999998772428, -100.99999998772428, 100.99999998772429, 100.99999998772428}},
-    {ShapeKind::kCircle, 1000, Side::inward, 50.0, 1, {1000, 1, 0x9e4e8c9d04801dffULL, -7853.9085516778914, -49.999957665976979, -49.999957665976979, 49.999957665976993, 49.999957665976979}},
-    {ShapeKind::kGear, 1000, Side::inward, 0.5, 1, {1000, 1, 0x0c86b160d5ac1f49ULL, -77361.648422679136, -158.16618723277716, -158.16618723277711, 158.16618723277725, 158.16618723277716}},
-    {ShapeKind::kGear, 1000, Side::outward, 0.5, 1, {1000, 1, 0x5187c105f611c073ULL, -79700.520489617193, -160.01763760349618, -160.01763760349621, 160.01763760349613, 160.01763760349618}},
-    {ShapeKind::kRoundedRect, 1000, Side::inward, 5.0, 1, {1000, 1, 0x22b3c2d55bca397cULL, -16906.858347057769, -95, -45, 95, 45}},
-    {ShapeKind::kRoundedRect, 1000, Side::outward, 5.0, 1, {1000, 1, 0xb7a751c7e0c47a34ULL, -22563.495408493585, -105, -55, 105, 55}},
-    {ShapeKind::kStar, 1000, Side::inward, 2.0, 1, {5, 1, 0xc95f1cc84048bcceULL, 34.398009418490112, 49.955671751011785, -0.94456991773256505, 59.260853977755005, 2.5491045140203141}},
-    {ShapeKind::kStar, 1000, Side::inward, 10.0, 1, {4, 1, 0x16843e0440c9f1e0ULL, 1.7114442473521305, 46.343494438375281, 6.7069157848149601, 51.00046821709396, 7.3712111566059093}},
+    {ShapeKind::kCircle, 1000, Side::kOutward, 1.0, 1, {1000, 1, 0x1c2a79ca8133d495ULL, -32047.282789732046, -100.99999998772428, -100.99999998772428, 100.99999998772429, 100.99999998772428}},
+    {ShapeKind::kCircle, 1000, Side::kInward, 50.0, 1, {1000, 1, 0x9e4e8c9d04801dffULL, -7853.9085516778914, -49.999957665976979, -49.999957665976979, 49.999957665976993, 49.999957665976979}},
+    {ShapeKind::kGear, 1000, Side::kInward, 0.5, 1, {1000, 1, 0x0c86b160d5ac1f49ULL, -77361.648422679136, -158.16618723277716, -158.16618723277711, 158.16618723277725, 158.16618723277716}},
+    {ShapeKind::kGear, 1000, Side::kOutward, 0.5, 1, {1000, 1, 0x5187c105f611c073ULL, -79700.520489617193, -160.01763760349618, -160.01763760349621, 160.01763760349613, 160.01763760349618}},
+    {ShapeKind::kRoundedRect, 1000, Side::kInward, 5.0, 1, {1000, 1, 0x22b3c2d55bca397cULL, -16906.858347057769, -95, -45, 95, 45}},
+    {ShapeKind::kRoundedRect, 1000, Side::kOutward, 5.0, 1, {1000, 1, 0xb7a751c7e0c47a34ULL, -22563.495408493585, -105, -55, 105, 55}},
+    {ShapeKind::kStar, 1000, Side::kInward, 2.0, 1, {5, 1, 0xc95f1cc84048bcceULL, 34.398009418490112, 49.955671751011785, -0.94456991773256505, 59.260853977755005, 2.5491045140203141}},
+    {ShapeKind::kStar, 1000, Side::kInward, 10.0, 1, {4, 1, 0x16843e0440c9f1e0ULL, 1.7114442473521305, 46.343494438375281, 6.7069157848149601, 51.00046821709396, 7.3712111566059093}},
     // The same rows as open polylines: the free ends take other paths through the builder.
-    {ShapeKind::kCircle, 1000, Side::outward, 1.0, 0, {1000, 0, 0x31408b0ea521cf60ULL, -32047.282786608186, -100.99999998772428, -100.99999998772428, 101, 100.99999998772428}},
-    {ShapeKind::kGear, 1000, Side::outward, 0.5, 0, {1000, 0, 0x4b92e43eb6a7768eULL, -79698.717107843986, -160.01763760349618, -160.01763760349618, 160.00666432398575, 160.01763760349618}},
-    {ShapeKind::kRoundedRect, 1000, Side::inward, 5.0, 0, {1000, 0, 0xcfbe8d7184befc35ULL, -16842.643760293344, -95, -45, 95, 45}},
-    {ShapeKind::kStar, 1000, Side::inward, 2.0, 0, {5, 0, 0x77cfceff9d5e506fULL, 78.965310958639108, 48.478562340724658, -1.9993687523450041, 99.949754680353465, 1.2908296116381093}},
+    {ShapeKind::kCircle, 1000, Side::kOutward, 1.0, 0, {1000, 0, 0x31408b0ea521cf60ULL, -32047.282786608186, -100.99999998772428, -100.99999998772428, 101, 100.99999998772428}},
+    {ShapeKind::kGear, 1000, Side::kOutward, 0.5, 0, {1000, 0, 0x4b92e43eb6a7768eULL, -79698.717107843986, -160.01763760349618, -160.01763760349618, 160.00666432398575, 160.01763760349618}},
+    {ShapeKind::kRoundedRect, 1000, Side::kInward, 5.0, 0, {1000, 0, 0xcfbe8d7184befc35ULL, -16842.643760293344, -95, -45, 95, 45}},
+    {ShapeKind::kStar, 1000, Side::kInward, 2.0, 0, {5, 0, 0x77cfceff9d5e506fULL, 78.965310958639108, 48.478562340724658, -1.9993687523450041, 99.949754680353465, 1.2908296116381093}},
     // Small shapes, where few vertices meet many events.
-    {ShapeKind::kGear, 16, Side::outward, 0.5, 1, {16, 1, 0x95c3b77836ca027cULL, -24.896731686452398, -4.1231297196312724, -4.1231297196312733, 4.1231297196312759, 4.1231297196312733}},
-    {ShapeKind::kGear, 16, Side::inward, 0.5, 1, {2, 1, 0x73b31201c4b7c53fULL, 0, 0.67649835427969829, -0.31106724675471353, 0.73560111640243653, 0.26591819043440879}},
-    {ShapeKind::kStar, 6, Side::inward, 10.0, 1, {6, 1, 0x4a84a894f29292d7ULL, -18162.363987395627, -70.469173958945376, -75.94114486140198, 89.525355680438764, 79.12131974279292}},
-    {ShapeKind::kRoundedRect, 8, Side::inward, 30.0, 1, {4, 1, 0xf661903aca01751dULL, -5600, -70, -20.000000000000004, 70, 20.000000000000004}},
+    {ShapeKind::kGear, 16, Side::kOutward, 0.5, 1, {16, 1, 0x95c3b77836ca027cULL, -24.896731686452398, -4.1231297196312724, -4.1231297196312733, 4.1231297196312759, 4.1231297196312733}},
+    {ShapeKind::kGear, 16, Side::kInward, 0.5, 1, {2, 1, 0x73b31201c4b7c53fULL, 0, 0.67649835427969829, -0.31106724675471353, 0.73560111640243653, 0.26591819043440879}},
+    {ShapeKind::kStar, 6, Side::kInward, 10.0, 1, {6, 1, 0x4a84a894f29292d7ULL, -18162.363987395627, -70.469173958945376, -75.94114486140198, 89.525355680438764, 79.12131974279292}},
+    {ShapeKind::kRoundedRect, 8, Side::kInward, 30.0, 1, {4, 1, 0xf661903aca01751dULL, -5600, -70, -20.000000000000004, 70, 20.000000000000004}},
 };
 // clang-format on
 
@@ -172,7 +151,7 @@ std::string caseName(const ::testing::TestParamInfo<GoldenCase>& info) {
   const GoldenCase& c = info.param;
   std::string distance = std::to_string(static_cast<int>(c.distance * 10.0));
   return shapeName(c.kind) + "_" + std::to_string(c.n) + "_" +
-         (c.side == Side::inward ? "inward_" : "outward_") + distance + "_tenths" +
+         (c.side == Side::kInward ? "inward_" : "outward_") + distance + "_tenths" +
          (c.closed ? "" : "_open");
 }
 
