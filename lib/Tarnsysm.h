@@ -3,6 +3,12 @@
 #pragma once
 
 #include "arcs/arcs.h"
+#include "circles/circles.h"
+#include "clip/clip.h"
+#include "dimension/dimension.h"
+#include "ellipse/ellipse.h"
 #include "intersect/intersect.h"
 #include "offset/offset.h"
 #include "primitives/primitives.h"
+#include "tangents/tangents.h"
+#include "text/text.h"

@@ -1,0 +1,3 @@
+# Tarnsysm: sources of the circles subsystem.
+list(APPEND TARNSYSM_PUBLIC_HEADERS circles/circles.h)
+list(APPEND TARNSYSM_SOURCES)

@@ -1,0 +1,3 @@
+# Tarnsysm: sources of the clip subsystem.
+list(APPEND TARNSYSM_PUBLIC_HEADERS clip/clip.h)
+list(APPEND TARNSYSM_SOURCES)

@@ -1,0 +1,3 @@
+# Tarnsysm: sources of the ellipse subsystem.
+list(APPEND TARNSYSM_PUBLIC_HEADERS ellipse/ellipse.h)
+list(APPEND TARNSYSM_SOURCES)

@@ -1,0 +1,3 @@
+# Tarnsysm: sources of the tangents subsystem.
+list(APPEND TARNSYSM_PUBLIC_HEADERS tangents/tangents.h)
+list(APPEND TARNSYSM_SOURCES)

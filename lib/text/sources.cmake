@@ -1,0 +1,3 @@
+# Tarnsysm: sources of the text subsystem.
+list(APPEND TARNSYSM_PUBLIC_HEADERS text/text.h)
+list(APPEND TARNSYSM_SOURCES)
