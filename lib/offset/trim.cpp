@@ -128,8 +128,9 @@ double sideOfChordScaled(const RoughSegment& s, double x, double y) {
 
 // A box holding the rough segment and everything its intersection tests can accept: the ends,
 // the arc's extreme points that lie on its side of the chord, and margins for eps (as a length,
-// and as a parameter and an angle: eps L, eps R) and for round-off.
-SegmentBox roughBoxOf(double eps, const RoughSegment& s) {
+// and as a parameter and an angle: eps L, eps R) and for round-off. A straight segment also
+// keeps its ends and that margin, a far tighter bound than the box when it runs at a slant.
+SegmentShape roughShapeOf(double eps, const RoughSegment& s) {
   SegmentBox box{std::min(s.x1, s.x2), std::min(s.y1, s.y2), std::max(s.x1, s.x2),
                  std::max(s.y1, s.y2)};
   const double size = std::max(std::max(-box.xmin, box.xmax), std::max(-box.ymin, box.ymax));
@@ -159,8 +160,36 @@ SegmentBox roughBoxOf(double eps, const RoughSegment& s) {
   box.ymax += pad;
   if (!(box.xmax - box.xmin < std::numeric_limits<double>::infinity()) ||
       !(box.ymax - box.ymin < std::numeric_limits<double>::infinity()))
-    return SegmentBox::empty();
-  return box;
+    return SegmentShape::empty();
+  if (s.kind == RoughSegment::straight)
+    return SegmentShape::line(box, s.x1, s.y1, s.x2, s.y2, pad);
+  if (s.kind == RoughSegment::arc && std::fabs(s.bulge) <= 4.0) {
+    // PL_ArcParam's circle differs from this one by round-off of a few units in the last place of
+    // the radius and the coordinates (its included angle stays well away from a whole turn).
+    const double size = s.r + std::fabs(s.x1) + std::fabs(s.y1) + std::fabs(s.x2) + std::fabs(s.y2);
+    return SegmentShape::circle(box, s.cx, s.cy, s.r, 1e-12 * size);
+  }
+  return SegmentShape::boxed(box);
+}
+
+// A query for the segments that may cross s, leaving out those that certainly cannot, so that
+// segments overlapping one another on one line or one circle cost nothing: two straight segments
+// whose cross product lies within eps (D2LInts takes them as parallel), a straight segment no
+// longer than eps and an arc (DCirLInts takes no such line), and two arcs within eps of one
+// circle (D2CirInts takes them as concentric or nested). The arc test is left off where the
+// radius or eps is so extreme that squares of their ratio leave the range of doubles.
+SegmentProbe crossingProbe(double eps, const SegmentShape& s) {
+  SegmentProbe probe{s, 0.0, 0.0, 0.0};
+  if (!(eps > 0.0) || !(eps < 1e300))
+    return probe;
+  if (s.kind == SegmentShape::straight)
+    probe.parallelBelow = eps / 2.0;
+  if (s.kind == SegmentShape::circular) {
+    probe.shortUpTo = eps;
+    if (eps >= 1e-50 && s.r <= 1e50)
+      probe.concentricUpTo = eps / 4.0;
+  }
+  return probe;
 }
 
 // The circles of a polyline's arc segments, each worked out once (PL_ArcParam is the costly part
@@ -570,7 +599,10 @@ class PolylineSegments {
     }
     if (!indexed_)
       buildIndex();
-    return index_.visitAlongSegment(kx, ky, px, py, pad, crosses);
+    const SegmentBox box{std::fmin(kx, px) - pad, std::fmin(ky, py) - pad, std::fmax(kx, px) + pad,
+                         std::fmax(ky, py) + pad};
+    return index_.visitAll(crossingProbe(eps_, SegmentShape::line(box, kx, ky, px, py, pad)),
+                           crosses);
   }
 
  private:
@@ -579,13 +611,14 @@ class PolylineSegments {
 
   // A box that holds segment s and every point its intersection tests can accept, from its rows
   // alone.
-  SegmentBox roughBox(int s) const {
-    return roughBoxOf(eps_, roughOf(eps_, v_[s], v_[(s + 1) % n_]));
+  SegmentShape roughShape(int s) const {
+    return roughShapeOf(eps_, roughOf(eps_, v_[s], v_[(s + 1) % n_]));
   }
+  SegmentBox roughBox(int s) const { return roughShape(s).box; }
 
   void buildIndex() {
     const int segments = closed_ ? n_ : n_ - 1;
-    index_.build(n_, [&](int s) { return s < segments ? roughBox(s) : SegmentBox::empty(); });
+    index_.build(n_, [&](int s) { return s < segments ? roughShape(s) : SegmentShape::empty(); });
     indexed_ = true;
   }
 
@@ -782,8 +815,7 @@ class ScanState {
       next_[i] = i + 1 < n ? i + 1 : -1;
       prev_[i] = i - 1;
     }
-    index_.build(
-        n, [&](int i) { return hasSegment(i) ? roughBoxOf(eps_, rough(i)) : SegmentBox::empty(); });
+    index_.build(n, [&](int i) { return shape(i); });
   }
 
   bool hasSegment(int id) const { return next_[id] != -1 || (closed_ && id == last_); }
@@ -807,13 +839,16 @@ class ScanState {
     return roughOf(eps_, rows_[id], rows_[next_[id] != -1 ? next_[id] : 0]);
   }
 
+  SegmentShape shape(int id) const {
+    return hasSegment(id) ? roughShapeOf(eps_, rough(id)) : SegmentShape::empty();
+  }
+
   // The latest earlier segment that segment `id` crosses, nearest first, and the point. The
   // exact shapes (PL_ArcParam) are worked out only for pairs the rough ones cannot rule out.
   int firstCrossingBelow(int id, double* x, double* y) {
     const RoughSegment ri = rough(id);
-    const SegmentBox query = roughBoxOf(eps_, ri);
     int hit = -1;
-    index_.visitBelowDescending(id, query, [&](int j) {
+    index_.visitBelowDescending(id, crossingProbe(eps_, roughShapeOf(eps_, ri)), [&](int j) {
       const bool adjacent = j == prev_[id];
       if (adjacent) {
         const RoughSegment rj = rough(j);
@@ -845,6 +880,9 @@ class ScanState {
     prev_[i] = j;
     cache_.forget(i);
     cache_.forget(j);
+    // Both are parts of what they were: their boxes still hold them, their directions moved.
+    index_.shrink(j, shape(j));
+    index_.shrink(i, shape(i));
   }
 
  private:
