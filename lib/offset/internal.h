@@ -25,6 +25,13 @@ inline BulgeArc arcOfBulge(double eps, double x1, double y1, double x2, double y
   return arc;
 }
 
+/// A segment is straight when its bulge lies strictly between -eps and eps, and a bulge of
+/// exactly 0 is straight whatever eps is (eps = 0 must not turn every line into an arc of no
+/// angle).
+inline bool isStraightBulge(double bulge, double eps) {
+  return bulge == 0.0 || withinOpen(bulge, eps);
+}
+
 /// The sense of an arc segment as the offset sees it: +1 for bulge >= 0, -1 otherwise.
 inline double bulgeSign(double bulge) {
   return bulge >= 0.0 ? 1.0 : -1.0;

@@ -36,7 +36,7 @@ double chordLength(double x1, double y1, double x2, double y2) {
 
 double LineArea(double eps, double x1, double y1, double x2, double y2, double bulge) {
   const double trapezoid = trapezoidArea(x1, y1, x2, y2);
-  if (withinOpen(bulge, eps))
+  if (isStraightBulge(bulge, eps))
     return trapezoid;
   // A positive bulge bows to the right of travel and takes its segment away from the area of
   // a clockwise boundary; a negative one adds it. The subtraction covers both signs.
@@ -57,7 +57,7 @@ double PLineArea(double eps, int closed, int n, double (*const v)[5]) {
     const double x = v[i][0];
     const double y = v[i][1];
     sum += trapezoidArea(prevX, prevY, x, y);
-    if (!withinOpen(prevBulge, eps))
+    if (!isStraightBulge(prevBulge, eps))
       sum -= arcSegmentArea(chordLength(prevX, prevY, x, y), prevBulge);
     prevX = x;
     prevY = y;
@@ -108,8 +108,8 @@ int PointsOnPLine(double eps, double* const p, int closed, int n, double (*const
     const double* start = v[i];
     const double* end = i == n - 1 ? v[0] : v[i + 1];
     const double bulge = start[2];
-    const bool on = withinOpen(bulge, eps) ? onStraightSegment(eps, p, start, end)
-                                           : onArcSegment(eps, p, start, end, bulge);
+    const bool on = isStraightBulge(bulge, eps) ? onStraightSegment(eps, p, start, end)
+                                                : onArcSegment(eps, p, start, end, bulge);
     if (on)
       return 1;
   }

@@ -66,7 +66,7 @@ struct Segment {
 
 Segment segmentOf(double eps, double x1, double y1, double bulge, double x2, double y2) {
   Segment s{x1, y1, x2, y2, bulge, false, 0.0, 0.0, 0.0, 0.0, 0.0};
-  if (!withinOpen(bulge, eps))
+  if (!isStraightBulge(bulge, eps))
     s.isArc = PL_ArcParam(eps, x1, y1, x2, y2, bulge, &s.cx, &s.cy, &s.r, &s.sa, &s.ea) != 0;
   return s;
 }
@@ -95,7 +95,7 @@ RoughSegment roughOf(double eps, const double* from, const double* to) {
   const double dx = s.x2 - s.x1;
   const double dy = s.y2 - s.y1;
   s.chord = std::sqrt(dx * dx + dy * dy);
-  if (withinOpen(s.bulge, eps))
+  if (isStraightBulge(s.bulge, eps))
     return s;
   const double b = s.bulge;
   const double ae = std::fabs(eps);
@@ -204,8 +204,8 @@ class SegmentCache {
     unsigned char& state = state_[id];
     if (state == kUnknown) {
       Arc& a = arcs_[id];
-      state = !withinOpen(s.bulge, eps) && PL_ArcParam(eps, s.x1, s.y1, s.x2, s.y2, s.bulge, &a.cx,
-                                                       &a.cy, &a.r, &a.sa, &a.ea)
+      state = !isStraightBulge(s.bulge, eps) && PL_ArcParam(eps, s.x1, s.y1, s.x2, s.y2, s.bulge,
+                                                            &a.cx, &a.cy, &a.r, &a.sa, &a.ea)
                   ? kArc
                   : kStraight;
     }
@@ -455,8 +455,8 @@ struct PieceJoin {
 
 PieceJoin joinOfPiece(double eps, const Segment& s1, const Segment& s2, double d) {
   PieceJoin j{0, 0.0, 0.0, 1.0, 0.0};
-  const bool inArc = !withinOpen(s1.bulge, eps);
-  const bool outArc = !withinOpen(s2.bulge, eps);
+  const bool inArc = !isStraightBulge(s1.bulge, eps);
+  const bool outArc = !isStraightBulge(s2.bulge, eps);
   // AAOffset, ALOffset and LAOffset, with the arcs the segments carry already.
   if (inArc && outArc)
     j.code = aaOffsetWithArcs(eps, d, s1.x2, s1.y2, s1.bulge, s2.bulge, arcOf(s1), arcOf(s2), &j.x,
@@ -899,7 +899,7 @@ class ScanState {
 // of an arc; false for a line shorter than eps or an arc PL_ArcParam rejects.
 bool singleSegmentDistance(double eps, double (*const v)[5], const double* p, double* d) {
   const Segment s = segmentOf(eps, v[0], v[1]);
-  if (!withinOpen(s.bulge, eps) && !s.isArc)
+  if (!isStraightBulge(s.bulge, eps) && !s.isArc)
     return false;
   return carrierDistance(eps, p, s, d);
 }
