@@ -773,14 +773,28 @@ bool arcTableWorthIt(double eps, int closed, int n, double (*const v)[5]) {
   return arcs >= 16 && 8LL * arcs >= segments;
 }
 
+// The geometry is all finite numbers: x, y and bulge of every row (the attributes are the
+// caller's and are only carried), the picked point, and the distance unless `through` ignores it.
+bool finiteInput(int n, double (*const v)[5], int through, const double* pick, double dist) {
+  if (!std::isfinite(pick[0]) || !std::isfinite(pick[1]) || (!through && !std::isfinite(dist)))
+    return false;
+  for (int i = 0; i < n; ++i) {
+    if (!std::isfinite(v[i][0]) || !std::isfinite(v[i][1]) || !std::isfinite(v[i][2]))
+      return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
                 double* const pick, double dist) {
-  if (!closed || !v || !pick || n < 1)
+  if (!closed)
     return 0;
   if (*closed)
     *closed = 1;
+  if (!v || !pick || n < 1 || !finiteInput(n, v, through, pick, dist))
+    return 0;
   const long long capacity = 2LL * n;
   const long long maxSteps = kStepsPerRow * n + kStepAllowance;
 

@@ -25,11 +25,17 @@ inline BulgeArc arcOfBulge(double eps, double x1, double y1, double x2, double y
   return arc;
 }
 
+/// v lies strictly between -eps and eps, or is exactly 0: the offset's tests against zero hold
+/// for an exact 0 whatever eps is, so that eps = 0 asks for exact results rather than for none.
+inline bool withinOpenOrZero(double v, double eps) {
+  return v == 0.0 || withinOpen(v, eps);
+}
+
 /// A segment is straight when its bulge lies strictly between -eps and eps, and a bulge of
 /// exactly 0 is straight whatever eps is (eps = 0 must not turn every line into an arc of no
 /// angle).
 inline bool isStraightBulge(double bulge, double eps) {
-  return bulge == 0.0 || withinOpen(bulge, eps);
+  return withinOpenOrZero(bulge, eps);
 }
 
 /// The sense of an arc segment as the offset sees it: +1 for bulge >= 0, -1 otherwise.
