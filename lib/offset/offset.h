@@ -194,7 +194,10 @@ TARNSYSM_API int TrimLoopS(double eps, double* const pick, int* closed, int n,
 /// travel: the smallest distance by which some three-row piece (VertexDist) must be offset to
 /// pass through p, counting only pieces whose middle row p can see (IntersPLine); a single open
 /// segment gives its perpendicular or radial distance. Returns 1, or 0 with *dist untouched for
-/// fewer than 2 rows, a single degenerate segment, or no visible piece.
+/// fewer than 2 rows, a single degenerate segment, or no visible piece. Each piece is offset in
+/// one step by one of its candidate distances (VertexDist), so a point farther out than a concave
+/// arc of every piece near it can shrink (farther than the arc's radius, where the moved arc
+/// would turn inside out) may have no distance at all, though every corner sees it.
 TARNSYSM_API int PLineDist(double eps, int closed, int n, double (*const v)[5], double* const p,
                            double* dist);
 
