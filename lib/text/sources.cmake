@@ -1,3 +1,5 @@
 # Tarnsysm: sources of the text subsystem.
 list(APPEND TARNSYSM_PUBLIC_HEADERS text/text.h)
-list(APPEND TARNSYSM_SOURCES)
+list(APPEND TARNSYSM_SOURCES
+  text/cstring.cpp
+  text/match.cpp)
