@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -22,121 +21,72 @@ struct TextCase {
   const char* expected;
 };
 
+// Each text is written into a heap buffer of exactly its length, then by the sized form at that
+// size and one short (-1, out untouched).
 void checkTexts(int mode, std::initializer_list<TextCase> cases) {
   for (const TextCase& c : cases) {
-    const std::string row = "mode " + std::to_string(mode) + " prec " + std::to_string(c.prec) +
-                            " zeros " + std::to_string(c.zeros) + " style " +
-                            std::to_string(c.style) + " value " + std::to_string(c.value);
     const std::size_t room = std::strlen(c.expected) + 1;
     std::unique_ptr<char[]> out(new char[room]);
-    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get()), 1) << row;
-    EXPECT_STREQ(out.get(), c.expected) << row;
+    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get()), 1) << c.expected;
+    EXPECT_STREQ(out.get(), c.expected);
     std::memset(out.get(), '#', room);
-    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get(), room - 1), -1) << row;
-    EXPECT_EQ(std::string(out.get(), room), std::string(room, '#')) << row;
-    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get(), room), 1) << row;
-    EXPECT_STREQ(out.get(), c.expected) << row;
+    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get(), room - 1), -1);
+    EXPECT_EQ(std::string(out.get(), room), std::string(room, '#')) << c.expected;
+    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get(), room), 1);
+    EXPECT_STREQ(out.get(), c.expected);
   }
 }
 
+// One row per line would hide the tables.
+// clang-format off
 TEST(DnTos, scientific) {
-  checkTexts(1, {{2, 0, 0, 1500, "1.50e+03"},
-                 {-1, 0, 0, 0.5, "5.000000e-01"},
-                 {0, 0, 0, -2.5, "-2e+00"},
-                 {2, 0, 0, 1e300, "1.00e+300"},
-                 {3, 0, 0, kNaN, "nan"}});
+  checkTexts(1, {{2, 0, 0, 1500, "1.50e+03"}, {-1, 0, 0, 0.5, "5.000000e-01"},
+      {0, 0, 0, -2.5, "-2e+00"}, {2, 0, 0, 1e300, "1.00e+300"}, {3, 0, 0, kNaN, "nan"}});
 }
 
 TEST(DnTos, decimal_with_zero_suppression) {
-  checkTexts(2, {{3, 12, 0, 0.5, ".5"},
-                 {2, 12, 0, 0, "0"},
-                 {2, 8, 0, 2, "2"},
-                 {3, 12, 0, 10, "10"},
-                 {2, 4, 0, 0.05, ".05"},
-                 {-1, 8, 0, 1.25, "1.25"},
-                 {2, 3, 0, 1.5, "1.50"},
-                 {2, -1, 0, 0.5, "0.50"},
-                 {0, 12, 0, 0.5, "0"},
-                 {2, 0, 0, 0.125, "0.12"},
-                 {2, 0, 0, 0.375, "0.38"},
-                 {2, 0, 0, -0.0, "-0.00"},
-                 {2, 8, 0, -0.0, "-0"},
-                 {1200, 8, 0, 1.5, "1.5"}});
+  checkTexts(2, {{3, 12, 0, 0.5, ".5"}, {2, 12, 0, 0, "0"}, {2, 8, 0, 2, "2"}, {3, 12, 0, 10, "10"},
+      {2, 4, 0, 0.05, ".05"}, {-1, 8, 0, 1.25, "1.25"}, {2, 3, 0, 1.5, "1.50"},
+      {2, -1, 0, 0.5, "0.50"}, {0, 12, 0, 0.5, "0"}, {2, 0, 0, 0.125, "0.12"},
+      {2, 0, 0, 0.375, "0.38"}, {2, 0, 0, -0.0, "-0.00"}, {2, 8, 0, -0.0, "-0"},
+      {1200, 8, 0, 1.5, "1.5"}});
 }
 
 TEST(DnTos, feet_and_decimal_inches) {
-  checkTexts(3, {{2, 0, 0, 30.5, "2'-6.50\""},
-                 {2, 0, 1, 30.5, "2'6.50\""},
-                 {2, 0, 0, 6.5, "6.50\""},
-                 {2, 1, 0, 6.5, "0'-6.50\""},
-                 {2, 2, 0, 6.5, "0'-6.50\""},
-                 {2, 3, 0, 6.5, "6.50\""},
-                 {2, 0, 0, -6.5, "6.50\""},
-                 {2, 0, 0, -30.5, "-2'-6.50\""},
-                 {2, 0, 0, 11.999, "12.00\""},
-                 {2, 4, 0, 0.5, ".50\""},
-                 {0, 4, 0, 24, "2'"},
-                 {0, 4, 0, 0, "0\""},
-                 {2, 8, 0, 6.5, "6.50\""},
-                 {2, 0, 0, kNaN, "nan"},
-                 {2, 0, 0, 1e300, "1.000000e+300"}});
+  checkTexts(3, {{2, 0, 0, 30.5, "2'-6.50\""}, {2, 0, 1, 30.5, "2'6.50\""}, {2, 0, 0, 6.5, "6.50\""},
+      {2, 1, 0, 6.5, "0'-6.50\""}, {2, 2, 0, 6.5, "0'-6.50\""}, {2, 3, 0, 6.5, "6.50\""},
+      {2, 0, 0, -6.5, "6.50\""}, {2, 0, 0, -30.5, "-2'-6.50\""}, {2, 0, 0, 11.999, "12.00\""},
+      {2, 4, 0, 0.5, ".50\""}, {0, 4, 0, 24, "2'"}, {0, 4, 0, 0, "0\""}, {2, 8, 0, 6.5, "6.50\""},
+      {2, 0, 0, kNaN, "nan"}, {2, 0, 0, 1e300, "1.000000e+300"}});
 }
 
 TEST(DnTos, feet_inches_and_fractions) {
-  checkTexts(4, {{4, 0, 0, 30.5, "2'-6 1/2\""},
-                 {4, 0, 1, 30.5, "2'6-1/2\""},
-                 {4, 0, 0, 24, "2'"},
-                 {4, 1, 0, 24, "2'-0\""},
-                 {4, 2, 0, 24, "2'"},
-                 {4, 3, 0, 6, "6\""},
-                 {4, 3, 0, 0, "0\""},
-                 {4, 0, 0, 0, "0\""},
-                 {2, 0, 0, 0.125, "0 1/4\""},
-                 {2, 0, 0, 6.9, "6 1/1\""},
-                 {4, 0, 0, -30.5, "-2'-6 1/2\""},
-                 {2, 0, 0, 0.1, "0\""},
-                 {100, 0, 0, 0.5, "0 1/2\""},
-                 {-3, 0, 0, 0.5, "0 1/1\""},
-                 {2, 0, 0, -1e300, "-1.000000e+300"}});
+  checkTexts(4, {{4, 0, 0, 30.5, "2'-6 1/2\""}, {4, 0, 1, 30.5, "2'6-1/2\""}, {4, 0, 0, 24, "2'"},
+      {4, 1, 0, 24, "2'-0\""}, {4, 2, 0, 24, "2'"}, {4, 3, 0, 6, "6\""}, {4, 3, 0, 0, "0\""},
+      {4, 0, 0, 0, "0\""}, {2, 0, 0, 0.125, "0 1/4\""}, {2, 0, 0, 6.9, "6 1/1\""},
+      {4, 0, 0, -30.5, "-2'-6 1/2\""}, {2, 0, 0, 0.1, "0\""}, {100, 0, 0, 0.5, "0 1/2\""},
+      {-3, 0, 0, 0.5, "0 1/1\""}, {2, 0, 0, -1e300, "-1.000000e+300"}});
 }
 
 TEST(DnTos, whole_units_and_fractions) {
-  checkTexts(5, {{2, 0, 0, 0, "0\""},
-                 {2, 0, 0, 2.25, "2 1/4"},
-                 {2, 0, 1, 2.25, "2-1/4"},
-                 {2, 0, 0, -2.25, "-2 1/4"},
-                 {2, 0, 0, -0.25, "1/4"},
-                 {2, 0, 0, 3, "3"},
-                 {2, 0, 0, 1e19, "1.000000e+19"}});
+  checkTexts(5, {{2, 0, 0, 0, "0\""}, {2, 0, 0, 2.25, "2 1/4"}, {2, 0, 1, 2.25, "2-1/4"},
+      {2, 0, 0, -2.25, "-2 1/4"}, {2, 0, 0, -0.25, "1/4"}, {2, 0, 0, 3, "3"},
+      {2, 0, 0, 1e19, "1.000000e+19"}});
 }
+// clang-format on
 
-TEST(DnTos, unknown_mode_leaves_out_untouched) {
-  for (int mode : {0, 6, -1}) {
-    char out[4] = "ab";
-    EXPECT_EQ(DnTos(mode, 2, 0, 0, 1.0, out), 0) << mode;
-    EXPECT_EQ(DnTos(mode, 2, 0, 0, 1.0, out, sizeof out), 0) << mode;
-    EXPECT_STREQ(out, "ab") << mode;
-  }
-}
-
-TEST(DnTos, longest_texts_fit_the_documented_room) {
-  // The widest value of each mode, written into a heap buffer of exactly the documented room.
-  const struct {
-    int mode;
-    double value;
-    int extra;  // room beyond the precision; modes 4 and 5 need a fixed 69
-  } widest[] = {{1, -DBL_MAX, 9},
-                {2, -DBL_MAX, 312},
-                {3, -1.1e20, 30},
-                {4, -1.1e20 - 0.5, 0},
-                {5, -9.2e18, 0}};
-  for (const auto& w : widest)
-    for (int prec : {-1, 0, 17, 62, 400}) {
-      const int digits = prec < 0 ? 6 : prec;
-      const std::size_t room = w.extra > 0 ? static_cast<std::size_t>(digits + w.extra) : 69u;
-      std::unique_ptr<char[]> out(new char[room]);
-      EXPECT_EQ(DnTos(w.mode, prec, 1, 0, w.value, out.get()), 1) << w.mode << " " << prec;
-      EXPECT_LT(std::strlen(out.get()), room) << w.mode << " " << prec;
+TEST(DnTos, unknown_mode_leaves_out_untouched_and_the_widest_texts_fit_the_room) {
+  char out[4] = "ab";
+  EXPECT_EQ(DnTos(0, 2, 0, 0, 1.0, out) + DnTos(6, 2, 0, 0, 1.0, out, sizeof out), 0);
+  EXPECT_STREQ(out, "ab");
+  // Room beyond the precision P by mode; modes 4 and 5 need 69 whatever P.
+  const double widest[] = {-DBL_MAX, -DBL_MAX, -1.1e20, -1.1e20, -9.2e18};
+  const int extra[] = {9, 312, 30};
+  for (int mode = 1; mode <= 5; ++mode)
+    for (int prec : {-1, 0, 62, 400}) {
+      const std::size_t room = mode <= 3 ? (prec < 0 ? 6 : prec) + extra[mode - 1] : 69;
+      std::unique_ptr<char[]> text(new char[room]);
+      EXPECT_EQ(DnTos(mode, prec, 1, 0, widest[mode - 1], text.get()), 1) << mode << " " << prec;
     }
 }
 

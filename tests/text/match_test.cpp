@@ -29,90 +29,54 @@ void checkMatchTable(const char* kind, std::initializer_list<MatchCase> cases, i
   }
 }
 
+// One row per line would hide the tables.
+// clang-format off
 TEST(match, single_character_items) {
-  checkMatchTable("single", {{"a?c", "ABC", 0},
-                             {"#1", "21", 0},
-                             {"#", "x", 1},
-                             {"@", "1", 1},
-                             {"@@", "zQ", 0},
-                             {".", "a", 1},
-                             {".", "-", 0},
-                             {"?", "", 1},
-                             {"ab", "aB", 0},
-                             {"a~", "a~", 0},
-                             {"a~", "a!", 1},
-                             {"ab", "a", 1},
-                             {"", "", 0},
-                             {"", "a", 1},
-                             {"\xe9", "\xe9", 0}});
+  checkMatchTable("single", {{"a?c", "ABC", 0}, {"#1", "21", 0}, {"#", "x", 1}, {"@", "1", 1},
+      {"@@", "zQ", 0}, {".", "a", 1}, {".", "-", 0}, {"?", "", 1}, {"ab", "aB", 0},
+      {"a~", "a~", 0}, {"a~", "a!", 1}, {"ab", "a", 1}, {"", "", 0}, {"", "a", 1},
+      {"\xe9", "\xe9", 0}});
 }
 
 TEST(match, runs) {
-  checkMatchTable("star", {{"A*", "abc", 0},
-                           {"*c", "abc", 0},
-                           {"*b", "abc", 1},
-                           {"*", "", 0},
-                           {"*a*a*a*a*a*a*b", std::string(40, 'a'), 1},
-                           {"*[abc", "xyz", 1}});
+  checkMatchTable("star", {{"A*", "abc", 0}, {"*c", "abc", 0}, {"*b", "abc", 1}, {"*", "", 0},
+      {"*a*a*a*a*a*a*b", std::string(40, 'a'), 1}, {"*[abc", "xyz", 1}});
 }
 
 TEST(match, sets) {
-  checkMatchTable("set", {{"[a-c]x", "Bx", 1},
-                          {"[abc]x", "Bx", 0},
-                          {"[abc", "a", -1},
-                          {"[]]", "]", 0},
-                          {"[a-]", "-", 0},
-                          {"[c-a]", "b", 1},
-                          {"[\xc0-\xff]", "\xe9", 0},
-                          {"[a]", "", 1},
-                          {"[a,b]", "a", 0},
-                          // The negated form tests '[' against the members after the first.
-                          {"[~ab]", "z", 0},
-                          {"[~ab]", "", 1},
-                          {"[~]", "a", -1},
-                          {"[~aA-]]", "z", 1},
-                          {"[~a", "a", -1}});
+  // The negated form tests '[' against the members after the first, through the ']'.
+  checkMatchTable("set", {{"[a-c]x", "Bx", 1}, {"[abc]x", "Bx", 0}, {"[abc", "a", -1},
+      {"[]]", "]", 0}, {"[a-]", "-", 0}, {"[c-a]", "b", 1}, {"[\xc0-\xff]", "\xe9", 0},
+      {"[a]", "", 1}, {"[a,b]", "a", 0}, {"[~ab]", "z", 0}, {"[~ab]", "", 1}, {"[~]", "a", -1},
+      {"[~aA-]]", "z", 1}, {"[~a", "a", -1}});
 }
 
-TEST(match, escapes_negation_and_backslashes_in_the_name) {
-  checkMatchTable("escape", {{"\\", "a", -1},
-                             {"\\*", "*", 0},
-                             {"\\*", "a", 1},
-                             {"\\A", "a", 0},
-                             {"`x", "X", 0},
-                             {"`\\x", "x", 0},
-                             {"`", "x", -1},
-                             {"`\\", "x", -1},
-                             {"~a*", "bcd", 0},
-                             {"~a*", "abc", 1},
-                             {"~[a", "abc", 0},
-                             {"ab", "a\\b", 0, "ab"},
-                             {"a", "\\\\", 1, "\\"}});
-  // Past the limit everything is accepted.
+TEST(match, escapes_negation_limits_and_backslashes_in_the_name) {
+  checkMatchTable("escape", {{"\\", "a", -1}, {"\\*", "*", 0}, {"\\*", "a", 1}, {"\\A", "a", 0},
+      {"`x", "X", 0}, {"`\\x", "x", 0}, {"`", "x", -1}, {"`\\", "x", -1}, {"~a*", "bcd", 0},
+      {"~a*", "abc", 1}, {"~[a", "abc", 0}, {"ab", "a\\b", 0, "ab"}, {"a", "\\\\", 1, "\\"}});
   checkMatchTable("limit", {{"x", "abc", 0}, {"ab", "abc", 0}}, -1);
   checkMatchTable("limit", {{"abx", "abc", 0}}, 1);
 }
 
 TEST(Match, splits_the_list_at_every_comma_and_trims_each_pattern) {
-  struct ListCase {
-    const char* list;
-    const char* name;
+  // "b" deletes the first backslash, "?a" the second, so '?' takes the 'a' and "b,?a" fails.
+  const struct {
+    const char *list, *name;
     int limit, expected;
-  } const cases[] = {
-      {"foo , bar*", "barrel", 99, 1},
-      {"", "", 99, 0},
-      {"a,", "", 99, 0},
-      {",a", "", 99, 1},
-      {"[a,b]", "a", 99, 0},
-      {" x ,\t[a-c ", "B", 99, 0},
-      {"abd", "abc", 1, 1},
-      {"abd", "abc", 2, 0},
-      // The first pattern deletes one backslash, the second the other, so '?' meets the 'a'.
-      {"b,?a", "\\\\a", 99, 0},
-  };
-  for (const ListCase& c : cases)
+  } cases[] = {{"foo , bar*", "barrel", 99, 1},
+               {"", "", 99, 0},
+               {"a,", "", 99, 0},
+               {",a", "", 99, 1},
+               {"[a,b]", "a", 99, 0},
+               {" x ,\t[a-c ", "B", 99, 0},
+               {"abd", "abc", 1, 1},
+               {"abd", "abc", 2, 0},
+               {"b,?a", "\\\\a", 99, 0}};
+  for (const auto& c : cases)
     EXPECT_EQ(Match(c.name, c.list, c.limit), c.expected) << c.list << " on " << c.name;
 }
+// clang-format on
 
 TEST(match, agrees_with_plain_recursion_on_random_short_inputs) {
   const char alphabet[] = "aAb1\\*?#@.[]~`-,x ";
@@ -136,30 +100,19 @@ TEST(match, agrees_with_plain_recursion_on_random_short_inputs) {
 }
 
 TEST(CString, finds_nothing_outside_the_text_and_clamps_slices) {
-  const CString s = " abca\t";
-  EXPECT_EQ(s.Find('a'), 1);
-  EXPECT_EQ(s.Find('a', 2), 4);
-  EXPECT_EQ(s.Find('z'), -1);
-  EXPECT_EQ(s.Find('a', -1), -1);
-  EXPECT_EQ(s.Find('a', 6), -1);
-  EXPECT_EQ(s.Find("ca"), 3);
-  EXPECT_EQ(s.Find("ab", 2), -1);
-  EXPECT_EQ(s.Find("", 6), 6);
-  EXPECT_EQ(s.Find("", 7), -1);
+  CString s = " abca\t";
+  const int finds[] = {s.Find('a', 2),  s.Find('z'),   s.Find('a', -1), s.Find('a', 6),
+                       s.Find("ab", 2), s.Find("", 6), s.Find("", 7)};
+  const int expected[] = {4, -1, -1, -1, -1, 6, -1};
+  for (int k = 0; k < 7; ++k)
+    EXPECT_EQ(finds[k], expected[k]) << "find " << k;
   EXPECT_STREQ(s.Left(-3), "");
-  EXPECT_STREQ(s.Left(3), " ab");
-  EXPECT_STREQ(s.Left(99), " abca\t");
+  EXPECT_STREQ(s.Left(99), s);
   EXPECT_STREQ(s.Right(2), "a\t");
   EXPECT_STREQ(s.Right(-1), "");
-  EXPECT_STREQ(s.Right(99), " abca\t");
-  EXPECT_EQ(s.GetAt(6), '\0');
-  EXPECT_EQ(s[-1], '\0');
-  CString t = s;
-  EXPECT_STREQ(t.TrimLeft().TrimRight(), "abca");
-  EXPECT_EQ(t.GetLength(), 4);
-  const CString none = nullptr;
-  EXPECT_TRUE(none.IsEmpty());
-  EXPECT_STREQ(none, "");
+  EXPECT_EQ(s.GetAt(6) + s[-1], 0);
+  EXPECT_STREQ(s.TrimLeft().TrimRight(), "abca");
+  EXPECT_TRUE(CString(nullptr).IsEmpty());
 }
 
 }  // namespace
