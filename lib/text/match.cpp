@@ -8,8 +8,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <unordered_map>
-#include <vector>
+#include <utility>
 
 namespace {
 
@@ -32,6 +33,51 @@ bool isAsciiLetter(char c) {
   const unsigned char upper = foldCase(c);
   return upper >= 'A' && upper <= 'Z';
 }
+
+// A growable array of plain values that lives inside its owner until it outgrows kInline
+// elements: most names and patterns are short, and Match runs once per name in a filter loop.
+template <typename T, std::size_t kInline>
+class Scratch {
+ public:
+  Scratch() = default;
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  T* data() { return data_; }
+  const T* data() const { return data_; }
+  std::size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+  T& operator[](std::size_t k) { return data_[k]; }
+  const T& operator[](std::size_t k) const { return data_[k]; }
+  T& back() { return data_[size_ - 1]; }
+
+  /// Makes room for n elements, keeping the first min(n, size) of them (the rest are
+  /// uninitialised).
+  void resize(std::size_t n) {
+    if (n > capacity_) {
+      std::size_t grown = capacity_ * 2 > n ? capacity_ * 2 : n;
+      std::unique_ptr<T[]> bigger(new T[grown]);
+      std::copy(data_, data_ + size_, bigger.get());
+      heap_ = std::move(bigger);
+      data_ = heap_.get();
+      capacity_ = grown;
+    }
+    size_ = n;
+  }
+  void push_back(const T& v) {
+    resize(size_ + 1);
+    data_[size_ - 1] = v;
+  }
+  void pop_back() { --size_; }
+  void clear() { size_ = 0; }
+
+ private:
+  T inline_[kInline];
+  std::unique_ptr<T[]> heap_;
+  T* data_ = inline_;
+  std::size_t size_ = 0;
+  std::size_t capacity_ = kInline;
+};
 
 // 0 when c is among the first n characters of a set description, 1 when not. Single members
 // fold case; ranges x-y compare raw codes (as unsigned characters), and a range with y <= x ends
@@ -98,15 +144,17 @@ class FailureMemo {
     columns_ = columns;
     dense_ = rows <= kDenseCells / columns;
     if (dense_ && rows * columns > stamps_.size()) {
-      stamps_.assign(rows * columns, 0);
-      results_.assign(rows * columns, 0);
+      const std::size_t old = stamps_.size();
+      stamps_.resize(rows * columns);
+      results_.resize(rows * columns);
+      std::fill(stamps_.data() + old, stamps_.data() + stamps_.size(), 0u);
     }
     nextGeneration();
   }
   void nextGeneration() {
     sparse_.clear();
     if (++generation_ == 0) {
-      std::fill(stamps_.begin(), stamps_.end(), 0u);
+      std::fill(stamps_.data(), stamps_.data() + stamps_.size(), 0u);
       generation_ = 1;
     }
   }
@@ -139,8 +187,8 @@ class FailureMemo {
   std::size_t columns_ = 1;
   bool dense_ = true;
   std::uint32_t generation_ = 0;
-  std::vector<std::uint32_t> stamps_;
-  std::vector<signed char> results_;
+  Scratch<std::uint32_t, 512> stamps_;
+  Scratch<signed char, 512> results_;
   std::unordered_map<std::size_t, signed char> sparse_;
 };
 
@@ -332,8 +380,8 @@ class Matcher {
   bool memoReady_ = false;
   std::uint64_t deletions_ = 0;
   FailureMemo memo_;
-  std::vector<Frame> frames_;
-  std::vector<Pending> pending_;
+  Scratch<Frame, 16> frames_;
+  Scratch<Pending, 64> pending_;
 };
 
 }  // namespace
@@ -352,12 +400,16 @@ int Match(CString name, CString patterns, int limit) {
   try {
     const char* nameText = name;
     const int nameLength = name.GetLength();
-    std::vector<char> nameCopy(nameText, nameText + nameLength);
-    nameCopy.push_back('\0');
+    Scratch<char, 256> nameCopy;
+    nameCopy.resize(static_cast<std::size_t>(nameLength) + 1);
+    std::copy(nameText, nameText + nameLength, nameCopy.data());
+    nameCopy[static_cast<std::size_t>(nameLength)] = '\0';
     const char* listText = patterns;
-    std::vector<char> list(listText, listText + patterns.GetLength());
-    list.push_back('\0');
-    const std::size_t end = list.size() - 1;
+    const std::size_t end = static_cast<std::size_t>(patterns.GetLength());
+    Scratch<char, 256> list;
+    list.resize(end + 1);
+    std::copy(listText, listText + end, list.data());
+    list[end] = '\0';
 
     Matcher matcher(nameCopy.data(), limit < nameLength ? limit : nameLength);
     for (std::size_t start = 0; start < end;) {
