@@ -121,7 +121,11 @@ def dntos_seed(mode, prec, zeros, style, v, sized_prec, size):
 DNTOS_SEEDS = {
     "scientific": dntos_seed(1, 2, 0, 0, 1500.0, 2, 9),
     "decimal_trimmed": dntos_seed(2, 3, 12, 0, 0.5, 1000000000, 16),
+    "scientific_widest": dntos_seed(1, 400, 0, 0, "-max", 62, 71),
     "decimal_widest": dntos_seed(2, 400, 0, 0, "-max", 400, 712),
+    "feet_inches_widest": dntos_seed(3, 400, 1, 0, -1.1e20, 62, 92),
+    "fraction_inches_widest": dntos_seed(4, 62, 1, 0, -1.1e20, 62, 69),
+    "fraction_widest": dntos_seed(5, 62, 1, 1, -9.2e18, 62, 69),
     "feet_inches": dntos_seed(3, 2, 0, 0, 30.5, 2, 8),
     "feet_inches_fraction": dntos_seed(4, 4, 0, 1, -30.5, 70, 10),
     "fraction": dntos_seed(5, 2, 0, 0, 2.25, -3, 3),
