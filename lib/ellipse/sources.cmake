@@ -3,4 +3,5 @@ list(APPEND TARNSYSM_PUBLIC_HEADERS ellipse/ellipse.h)
 list(APPEND TARNSYSM_SOURCES
   ellipse/matrix.cpp
   ellipse/frames.cpp
+  ellipse/intersections.cpp
   ellipse/arc_edits.cpp)
