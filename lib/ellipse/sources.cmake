@@ -4,4 +4,6 @@ list(APPEND TARNSYSM_SOURCES
   ellipse/matrix.cpp
   ellipse/frames.cpp
   ellipse/intersections.cpp
+  ellipse/nearest.cpp
+  ellipse/fillet.cpp
   ellipse/arc_edits.cpp)
