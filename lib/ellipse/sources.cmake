@@ -5,5 +5,6 @@ list(APPEND TARNSYSM_SOURCES
   ellipse/frames.cpp
   ellipse/intersections.cpp
   ellipse/nearest.cpp
-  ellipse/fillet.cpp
-  ellipse/arc_edits.cpp)
+  ellipse/measures.cpp
+  ellipse/arc_edits.cpp
+  ellipse/fillet.cpp)
