@@ -55,6 +55,17 @@ double nearestOnCircleShape(TSellipse const& e, double* const p, double* const o
   return DistBetweenPoint(p, out);
 }
 
+// The world point p in the ellipse frame.
+struct FramePoint {
+  double x, y;
+};
+
+FramePoint inFrame(TSellipse const& e, double* const p) {
+  double q[3];
+  WcToEllipse(e, p, q);
+  return {q[0], q[1]};
+}
+
 bool circleShaped(TSellipse const& e) {
   return std::fabs(e.a - e.b) < kTol1e8;
 }
@@ -75,10 +86,7 @@ double DPnearEllipseArc(TSellipse const& e, double* const p, double* const out) 
     return nearestOnCircleShape(e, p, out);
   const double a = e.a;
   const double b = e.b;
-  double q[3];
-  WcToEllipse(e, p, q);
-  const double X = q[0];
-  const double Y = q[1];
+  const auto [X, Y] = inFrame(e, p);
   const bool arc = e.end - e.start <= kTwoPi - kTol1e10;
 
   if (std::fabs(X * X / (a * a) + Y * Y / (b * b) - 1.0) < kTol1e10) {
@@ -154,10 +162,7 @@ double DPnearEllipseArc_means(TSellipse const& e, double* const p, double* const
     return -1.0;
   if (circleShaped(e))
     return nearestOnCircleShape(e, p, out);
-  double q[3];
-  WcToEllipse(e, p, q);
-  const double X = q[0];
-  const double Y = q[1];
+  const auto [X, Y] = inFrame(e, p);
   const double A = e.a * e.a;
   const double B = e.b * e.b;
   // The slope of an approximate normal, and the quadratic in the distance r moved along it.
@@ -270,10 +275,7 @@ int DLthrPtangEllipse(double eps, TSellipse e, double* const p, double* const t1
                       double* const t2) {
   if (!usableEllipse(e) || !allFinite({eps, p[0], p[1]}))
     return 0;
-  double q[3];
-  WcToEllipse(e, p, q);
-  const double X = q[0];
-  const double Y = q[1];
+  const auto [X, Y] = inFrame(e, p);
   const double a2 = e.a * e.a;
   const double b2 = e.b * e.b;
   const double f = X * X / a2 + Y * Y / b2 - 1.0;
@@ -307,10 +309,7 @@ int GetEllipsePerpoint(TSellipse const& e, double* const p, double (*const out)[
   }
   const double a = e.a;
   const double b = e.b;
-  double q[3];
-  WcToEllipse(e, p, q);
-  const double X = q[0];
-  const double Y = q[1];
+  const auto [X, Y] = inFrame(e, p);
   if (std::fabs(X) < kTol1e10 || std::fabs(Y) < kTol1e10) {
     // On an axis line: that axis' two ends, whatever the arc limits.
     const bool second = std::fabs(X) < kTol1e10;
