@@ -49,20 +49,35 @@ TEST(DPnearEllipseArc, no_farther_than_dense_sampling) {
   EXPECT_NEAR(out[1], -1.0, 1e-15);
 }
 
-TEST(GetEllipsePerpoint, feet_lie_on_normals_two_outside_the_evolute_four_inside) {
+// Sizes from 2: the tangent quadratic's and the quartic's tolerances are absolute.
+TEST(EllipseNormals, feet_tangents_and_normal_offsets) {
   EllipseDraws draws(32, 2, 20, 10);
   int inside = 0;
   for (int i = 0; i < 400; ++i) {
     TSellipse e = draws();
     e.end = e.start + kTwoPi;
-    const double size = std::max(e.a, e.b), c2 = std::fabs(e.a * e.a - e.b * e.b);
-    // A point well inside (0.4) or outside (1.8) the evolute (a x)^(2/3) + (b y)^(2/3) = c2^(2/3).
-    const double s = i % 2 == 0 ? 0.4 : 1.8, t = draws.turn();
+    const double size = std::max(e.a, e.b), c2 = std::fabs(e.a * e.a - e.b * e.b), t = draws.turn();
+    double p[3], t1[3], t2[3], on[3], q[3], rows[4][3], centre[3] = {e.center[0], e.center[1], 0};
+    pointAt(ellipse(e.center[0], e.center[1], 2 * e.a, 1.5 * e.b, e.rotation), t, p);
+    ASSERT_EQ(DLthrPtangEllipse(1e-9, e, p, t1, t2), 2) << i;
+    for (const double* r : {t1, t2})
+      EXPECT_LT(std::max(offCurve(e, r[0], r[1]), offLine(e, r, p, true)), 1e-8 * size);
+    EXPECT_EQ(DLthrPtangEllipse(1e-9, e, centre, t1, t2), 0);
+    // An offset shorter than the smallest radius of curvature keeps its side and distance.
+    const double dist = 0.5 * std::min(e.a, e.b) * std::min(e.a, e.b) / size;
+    pointAt(e, t, on);
+    for (int side : {1, -1}) {
+      EllipseAngleDistPoint(e, side, t, dist, q);
+      EXPECT_NEAR(std::hypot(q[0] - on[0], q[1] - on[1]), dist, 1e-12 * size);
+      EXPECT_TRUE(PointInEllipse(e, q) == side && offLine(e, on, q) < 1e-12 * size);
+    }
+    // Feet of normals from well inside (0.4) or outside (1.8) the evolute
+    // (a x)^(2/3) + (b y)^(2/3) = c2^(2/3); near an axis line they degrade (see the header).
+    const double s = i % 2 == 0 ? 0.4 : 1.8;
     double local[3] = {s * c2 / e.a * std::pow(std::cos(t), 3),
                        s * c2 / e.b * std::pow(std::sin(t), 3), 0};
     if (std::fabs(local[0]) < 1e-2 * size || std::fabs(local[1]) < 1e-2 * size)
-      continue;  // near an axis line the closed-form feet degrade (see the header)
-    double p[3], rows[4][3];
+      continue;
     EllipseToWc(e, local, p);
     const int n = GetEllipsePerpoint(e, p, rows);
     ASSERT_EQ(n, i % 2 == 0 ? 4 : 2) << i;
@@ -71,31 +86,6 @@ TEST(GetEllipsePerpoint, feet_lie_on_normals_two_outside_the_evolute_four_inside
       EXPECT_LT(std::max(offCurve(e, rows[k][0], rows[k][1]), offLine(e, rows[k], p)), 1e-6 * size);
   }
   EXPECT_GT(inside, 100);
-}
-
-TEST(EllipseTangents, tangent_points_touch_and_normal_offsets_keep_their_side) {
-  // The tangent quadratic's tolerance is absolute: sizes from 2 keep its discriminant clear.
-  EllipseDraws draws(33, 2, 20, 10);
-  for (int i = 0; i < 300; ++i) {
-    const TSellipse e = draws();
-    const double size = std::max(e.a, e.b), t = draws.turn();
-    double p[3], t1[3], t2[3], on[3], q[3];
-    pointAt(ellipse(e.center[0], e.center[1], 2 * e.a, 1.5 * e.b, e.rotation), t, p);
-    ASSERT_EQ(DLthrPtangEllipse(1e-9, e, p, t1, t2), 2) << i;
-    for (const double* r : {t1, t2})
-      EXPECT_LT(std::max(offCurve(e, r[0], r[1]), offLine(e, r, p, true)), 1e-8 * size);
-    // An offset shorter than the smallest radius of curvature keeps its side and distance.
-    const double dist = 0.5 * std::min(e.a, e.b) * std::min(e.a, e.b) / size;
-    pointAt(e, t, on);
-    for (int side : {1, -1}) {
-      EllipseAngleDistPoint(e, side, t, dist, q);
-      EXPECT_NEAR(std::hypot(q[0] - on[0], q[1] - on[1]), dist, 1e-12 * size);
-      EXPECT_EQ(PointInEllipse(e, q), side);
-      EXPECT_LT(offLine(e, on, q), 1e-12 * size);
-    }
-    double centre[3] = {e.center[0], e.center[1], 0};
-    EXPECT_EQ(DLthrPtangEllipse(1e-9, e, centre, t1, t2), 0);
-  }
 }
 
 TEST(DLineNearEllipse, tangent_point_parallel_to_the_line) {
