@@ -256,8 +256,35 @@ SegmentIndex::Members SegmentIndex::unite(const Members& a, const Members& b) {
 void SegmentIndex::setLeaf(int id, const SegmentShape& s) {
   const int k = leaves_ + id;
   nodes_[k] = nodeOf(s.box);
-  frames_[k] = frameOf(s);
-  members_[k] = membersOf(s);
+  if (rich_) {
+    frames_[k] = frameOf(s);
+    members_[k] = membersOf(s);
+  }
+}
+
+void SegmentIndex::setSummaries(int id, const SegmentShape& s) {
+  const int k = leaves_ + id;
+  // A removed leaf stays empty; a kept one gets the summaries of the segment as it is now (its
+  // box may be larger, from before a cut).
+  const Node& box = nodes_[k];
+  const SegmentShape shape = box.xmin > box.xmax ? SegmentShape::empty() : s;
+  frames_[k] = frameOf(shape);
+  members_[k] = membersOf(shape);
+}
+
+void SegmentIndex::dropSummaries() {
+  rich_ = false;
+  droppedSummaries_ = true;
+  frames_.clear();
+  members_.clear();
+}
+
+void SegmentIndex::startSummaries() {
+  rich_ = true;
+  const SegmentShape empty = SegmentShape::empty();
+  const size_t size = nodes_.size();
+  frames_.assign(size, frameOf(empty));
+  members_.assign(size, membersOf(empty));
 }
 
 void SegmentIndex::allocate(int count) {
@@ -268,11 +295,12 @@ void SegmentIndex::allocate(int count) {
   leaves_ = 1;
   while (leaves_ < count_)
     leaves_ *= 2;
-  const SegmentShape empty = SegmentShape::empty();
-  const size_t size = 2 * static_cast<size_t>(leaves_);
-  nodes_.assign(size, nodeOf(empty.box));
-  frames_.assign(size, frameOf(empty));
-  members_.assign(size, membersOf(empty));
+  nodes_.assign(2 * static_cast<size_t>(leaves_), nodeOf(SegmentBox::empty()));
+  rich_ = false;
+  droppedSummaries_ = false;
+  visited_ = asked_ = ruledOut_ = 0;
+  frames_.clear();
+  members_.clear();
 }
 
 // Recomputes the parents of nodes lo .. hi, one level at a time up to the root.
@@ -280,8 +308,10 @@ void SegmentIndex::refitAbove(int lo, int hi) {
   for (lo /= 2, hi /= 2; lo >= 1; lo /= 2, hi /= 2) {
     for (int k = lo; k <= hi; ++k) {
       nodes_[k] = unite(nodes_[2 * k], nodes_[2 * k + 1]);
-      frames_[k] = unite(frames_[2 * k], frames_[2 * k + 1]);
-      members_[k] = unite(members_[2 * k], members_[2 * k + 1]);
+      if (rich_) {
+        frames_[k] = unite(frames_[2 * k], frames_[2 * k + 1]);
+        members_[k] = unite(members_[2 * k], members_[2 * k + 1]);
+      }
     }
     if (lo == 1)
       break;
@@ -305,7 +335,7 @@ void SegmentIndex::removeRange(int first, int last) {
 }
 
 void SegmentIndex::shrink(int id, const SegmentShape& shape) {
-  if (id < 0 || id >= count_)
+  if (!rich_ || id < 0 || id >= count_)
     return;
   int k = leaves_ + id;
   members_[k] = membersOf(shape);
@@ -313,10 +343,11 @@ void SegmentIndex::shrink(int id, const SegmentShape& shape) {
     members_[k] = unite(members_[2 * k], members_[2 * k + 1]);
 }
 
-SegmentIndex::Prepared::Prepared(const SegmentProbe& probe)
+SegmentIndex::Prepared::Prepared(const SegmentProbe& probe, bool sideTest)
     : probe_(probe),
-      sight_(probe.shape.x1, probe.shape.y1, probe.shape.x2, probe.shape.y2, probe.shape.pad),
-      hasSight_(probe.shape.kind == SegmentShape::straight),
+      sight_(probe.shape.x1, probe.shape.y1, sideTest ? probe.shape.x2 : probe.shape.x1,
+             sideTest ? probe.shape.y2 : probe.shape.y1, probe.shape.pad),
+      hasSight_(sideTest && probe.shape.kind == SegmentShape::straight),
       dx_(probe.shape.x2 - probe.shape.x1),
       dy_(probe.shape.y2 - probe.shape.y1),
       size_(std::fabs(probe.shape.x1) + std::fabs(probe.shape.y1) + std::fabs(probe.shape.x2) +
@@ -355,13 +386,28 @@ bool SegmentIndex::membersApart(int node, const Prepared& prepared) const {
 }
 
 bool SegmentIndex::mayMeet(int node, const Prepared& prepared) const {
-  const SegmentProbe& probe = prepared.probe();
-  const SegmentShape& q = probe.shape;
+  const SegmentShape& q = prepared.probe().shape;
+  if (prepared.hasSight() ? !prepared.sight().mayMeet(nodes_[node]) : !nodes_[node].overlaps(q.box))
+    return false;
+  if (!rich_)
+    return true;
+  ++asked_;
+  if (membersApart(node, prepared)) {
+    ++ruledOut_;
+    return false;
+  }
+  if (!mayMeetFrame(node, prepared)) {
+    ++ruledOut_;
+    return false;
+  }
+  return true;
+}
+
+// The frame of node against the probe: the probe across the frame's two axes, then the frame
+// across a straight probe's line.
+bool SegmentIndex::mayMeetFrame(int node, const Prepared& prepared) const {
+  const SegmentShape& q = prepared.probe().shape;
   const bool straight = q.kind == SegmentShape::straight;
-  if (straight ? !prepared.sight().mayMeet(nodes_[node]) : !nodes_[node].overlaps(q.box))
-    return false;
-  if (membersApart(node, prepared))
-    return false;
   const Frame& f = frames_[node];
   if (!isBounded(f.ulo, f.uhi, f.vlo, f.vhi))
     return true;

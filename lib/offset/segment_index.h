@@ -87,10 +87,28 @@ struct SegmentProbe {
 /// smaller.
 class SegmentIndex {
  public:
-  /// Builds the tree over the shapes shapeOf(0) .. shapeOf(count - 1) in O(count). Throws
-  /// std::bad_alloc when memory (or the leaf count) runs out.
+  /// Builds the tree of axis-aligned boxes over the shapes shapeOf(0) .. shapeOf(count - 1) in
+  /// O(count). Throws std::bad_alloc when memory (or the leaf count) runs out.
   template <class ShapeOf>
   void build(int count, ShapeOf&& shapeOf);
+
+  /// Adds the frames and the summaries by kind, from shapeOf(id) for every id not removed, in
+  /// O(count). They cost about as much as the boxes to build and keep, and pay only where the
+  /// boxes hand back many segments, so callers add them once handedBack() says so. Throws
+  /// std::bad_alloc when memory runs out.
+  template <class ShapeOf>
+  void summarise(ShapeOf&& shapeOf);
+
+  /// summarise, once the queries have handed back more than a few ids per segment; and drop the
+  /// summaries for good once they have been asked often but ruled out few of the nodes the boxes
+  /// let through (crossings that are real, not crowding).
+  template <class ShapeOf>
+  void summariseWhenCrowded(ShapeOf&& shapeOf) {
+    if (!rich_ && !droppedSummaries_ && visited_ > 8LL * count_ + 1024)
+      summarise(shapeOf);
+    else if (rich_ && asked_ > 8LL * count_ + 4096 && 8 * ruledOut_ < asked_)
+      dropSummaries();
+  }
 
   /// Leaves id out of every later query.
   void remove(int id);
@@ -99,7 +117,7 @@ class SegmentIndex {
   void removeRange(int first, int last);
 
   /// Segment id became a part of itself (cut at a point on it): its summary by kind is taken
-  /// from `shape`; its boxes, which still hold it, stay.
+  /// from `shape` (when summarised); its boxes, which still hold it, stay.
   void shrink(int id, const SegmentShape& shape);
 
   /// Calls visit(id) for the ids below `limit` that may meet the probe, in decreasing id order,
@@ -144,13 +162,22 @@ class SegmentIndex {
   static Members membersOf(const SegmentShape& s);
   static Members unite(const Members& a, const Members& b);
   void setLeaf(int id, const SegmentShape& s);
+  void setSummaries(int id, const SegmentShape& s);
+  void startSummaries();
+  void dropSummaries();
   bool membersApart(int node, const Prepared& probe) const;
   bool mayMeet(int node, const Prepared& probe) const;
+  bool mayMeetFrame(int node, const Prepared& probe) const;
   void allocate(int count);
   void refitAbove(int lo, int hi);
 
   int leaves_ = 0;  // a power of two, at least 1
   int count_ = 0;
+  bool rich_ = false;  // frames_ and members_ are kept
+  bool droppedSummaries_ = false;
+  mutable long long visited_ = 0;   // ids handed back
+  mutable long long asked_ = 0;     // summaries asked (the box let the node through)
+  mutable long long ruledOut_ = 0;  // nodes the summaries ruled out
   // 1-based heaps: node k has children 2k and 2k + 1.
   std::vector<Node> nodes_;
   std::vector<Frame> frames_;
@@ -160,7 +187,8 @@ class SegmentIndex {
 /// A probe with the values its node tests need worked out once.
 class SegmentIndex::Prepared {
  public:
-  explicit Prepared(const SegmentProbe& probe);
+  // sideTest: a straight probe also rules out boxes that lie wholly to one side of its line.
+  Prepared(const SegmentProbe& probe, bool sideTest);
 
   const SegmentProbe& probe() const { return probe_; }
   bool hasSight() const { return hasSight_; }
@@ -184,18 +212,26 @@ void SegmentIndex::build(int count, ShapeOf&& shapeOf) {
   refitAbove(leaves_, 2 * leaves_ - 1);
 }
 
+template <class ShapeOf>
+void SegmentIndex::summarise(ShapeOf&& shapeOf) {
+  startSummaries();
+  for (int i = 0; i < count_; ++i)
+    setSummaries(i, shapeOf(i));
+  refitAbove(leaves_, 2 * leaves_ - 1);
+}
+
 template <class Visit>
 bool SegmentIndex::visitBelowDescending(int limit, const SegmentProbe& probe, Visit&& visit) const {
   if (limit > count_)
     limit = count_;
   if (limit <= 0)
     return false;
-  const Prepared prepared(probe);
+  const Prepared prepared(probe, rich_);
   // Climb from the leaf just below the limit: every left sibling on the way up holds the next
   // lower ids, so visiting each (right child first) yields decreasing ids. The stack holds at most
   // one pending left child per level.
   int node = leaves_ + limit - 1;
-  if (mayMeet(node, prepared) && visit(limit - 1))
+  if (mayMeet(node, prepared) && (++visited_, visit(limit - 1)))
     return true;
   int stack[64];
   for (; node > 1; node /= 2) {
@@ -206,6 +242,7 @@ bool SegmentIndex::visitBelowDescending(int limit, const SegmentProbe& probe, Vi
     while (top > 0) {
       const int k = stack[--top];
       if (k >= leaves_) {
+        ++visited_;
         if (visit(k - leaves_))
           return true;
         continue;
@@ -223,7 +260,7 @@ template <class Visit>
 bool SegmentIndex::visitAll(const SegmentProbe& probe, Visit&& visit) const {
   if (count_ == 0)
     return false;
-  const Prepared prepared(probe);
+  const Prepared prepared(probe, true);
   int stack[64];
   int top = 0;
   stack[top++] = 1;
@@ -232,6 +269,7 @@ bool SegmentIndex::visitAll(const SegmentProbe& probe, Visit&& visit) const {
     if (!mayMeet(node, prepared))
       continue;
     if (node >= leaves_) {
+      ++visited_;
       if (visit(node - leaves_))
         return true;
       continue;

@@ -601,8 +601,10 @@ class PolylineSegments {
       buildIndex();
     const SegmentBox box{std::fmin(kx, px) - pad, std::fmin(ky, py) - pad, std::fmax(kx, px) + pad,
                          std::fmax(ky, py) + pad};
-    return index_.visitAll(crossingProbe(eps_, SegmentShape::line(box, kx, ky, px, py, pad)),
-                           crosses);
+    const bool blocked =
+        index_.visitAll(crossingProbe(eps_, SegmentShape::line(box, kx, ky, px, py, pad)), crosses);
+    index_.summariseWhenCrowded([&](int s) { return shapeOf(s); });
+    return blocked;
   }
 
  private:
@@ -615,10 +617,12 @@ class PolylineSegments {
     return roughShapeOf(eps_, roughOf(eps_, v_[s], v_[(s + 1) % n_]));
   }
   SegmentBox roughBox(int s) const { return roughShape(s).box; }
+  SegmentShape shapeOf(int s) const {
+    return s < (closed_ ? n_ : n_ - 1) ? roughShape(s) : SegmentShape::empty();
+  }
 
   void buildIndex() {
-    const int segments = closed_ ? n_ : n_ - 1;
-    index_.build(n_, [&](int s) { return s < segments ? roughShape(s) : SegmentShape::empty(); });
+    index_.build(n_, [&](int s) { return shapeOf(s); });
     indexed_ = true;
   }
 
@@ -863,6 +867,9 @@ class ScanState {
       hit = j;
       return true;
     });
+    // Boxes that hand back many segments (long slanted fans, runs overlapping on one line or
+    // circle) get the finer summaries.
+    index_.summariseWhenCrowded([&](int j) { return shape(j); });
     return hit;
   }
 
