@@ -2,8 +2,9 @@
 // Bounding-box tree over the segments of a polyline, in segment order, for the loop scan and the
 // visibility tests of the trimming. Not installed.
 //
-// Every node holds three summaries of the segments below it, each conservative:
-//  - an axis-aligned box;
+// Every node holds an axis-aligned box of the segments below it. Where the boxes hand back many
+// segments per query, two more conservative summaries are added (and given up again where they
+// rule out little):
 //  - an oriented box (a frame): two slabs across a float axis u and its normal. A run of long
 //    slanted segments (the spokes of a star) has a wide axis-aligned box but a thin frame, so a
 //    query can rule out whole fans of them;

@@ -11,7 +11,10 @@
 // never too small. The boxes come from each segment's chord and bulge (an arc's extreme points on
 // its side of the chord) rather than from PL_ArcParam and get_arc_box: the same box without
 // trigonometry, so PL_ArcParam runs only for pairs the boxes and a quick look at a shared row
-// cannot rule out. The visibility tests of PLineDist use the same kind of tree.
+// cannot rule out. The visibility tests of PLineDist use the same kind of tree. Where the boxes
+// hand back many segments (a zigzag on one line, the long slanted spokes of a star), the tree adds
+// oriented boxes and leaves out segments that are parallel or concentric with the query, so no
+// shape makes the scan quadratic without crossings to show for it.
 //
 // PLineDist answers with the eligible run of smallest (|d|, run index), which does not depend on
 // the order the runs are tried in: they are tried nearest the point first, and a run that cannot
