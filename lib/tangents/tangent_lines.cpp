@@ -1,0 +1,226 @@
+// Tarnsysm: planar computational geometry for 2D drafting.
+// Lines tangent to circles and arcs, parallel or perpendicular to given lines. A circle here is
+// (cx, cy, r): centre first, unlike the circle constructions.
+#include "tangents/tangents.h"
+#include "circles/internal.h"
+#include "intersect/intersect.h"
+#include "primitives/primitives.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace tarnsysm::detail;
+
+namespace {
+
+// Is the direction from the centre to (x, y) on the arc's sweep?
+bool onArcSweep(double eps, double cx, double cy, double a, double b, double x, double y) {
+  double angle = 0.0;
+  DAngle(eps, cx, cy, x, y, &angle);
+  return ValidAngle(eps, a, b, angle) == 1;
+}
+
+// Point 0 of a perpendicular construction: the line's first point when the line is shorter
+// than eps, else the foot of (px, py) on it.
+void footOrStart(double eps, double x1, double y1, double x2, double y2, double px, double py,
+                 double* point) {
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  if (dx * dx + dy * dy < eps * eps ||
+      DPointVerL(eps, px, py, x1, y1, x2, y2, &point[0], &point[1]) == 0) {
+    point[0] = x1;
+    point[1] = y1;
+  }
+}
+
+}  // namespace
+
+int DTangLof2Cir(double eps, double cx1, double cy1, double r1, double cx2, double cy2, double r2,
+                 double (*pts)[2], int* count) {
+  *count = 0;
+  if (!allFinite({eps, cx1, cy1, r1, cx2, cy2, r2}))
+    return 0;
+  double seg[4][4];
+  const int lines = commonTangents(eps, r1, cx2 - cx1, cy2 - cy1, r2, seg);
+  for (int i = 0; i < lines; ++i)
+    if (!allFinite({seg[i][0], seg[i][1], seg[i][2], seg[i][3]}))
+      return 0;
+  for (int i = 0; i < lines; ++i) {
+    pts[2 * i][0] = seg[i][0] + cx1;
+    pts[2 * i][1] = seg[i][1] + cy1;
+    pts[2 * i + 1][0] = seg[i][2] + cx1;
+    pts[2 * i + 1][1] = seg[i][3] + cy1;
+  }
+  *count = 2 * lines;
+  return lines;
+}
+
+int DLtangCparaL(double eps, double cx, double cy, double r, double x1, double y1, double x2,
+                 double y2, double* ax1, double* ay1, double* ax2, double* ay2, double* bx1,
+                 double* by1, double* bx2, double* by2) {
+  if (!allFinite({eps, cx, cy, r, x1, y1, x2, y2}))
+    return 0;
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  const double len2 = dx * dx + dy * dy;
+  if (!(eps * eps <= len2) || !std::isfinite(len2))
+    return 0;
+  // The offset across the line is (dy / dx) t, so a vertical line gives non-finite x
+  // coordinates; the drafting host expects exactly this formula.
+  const double t = r * dx / std::sqrt(len2);
+  const double slope = dy / dx;
+  *ax1 = cx - slope * t;
+  *ay1 = cy + t;
+  *ax2 = *ax1 + dx;
+  *ay2 = *ay1 + dy;
+  *bx1 = cx + slope * t;
+  *by1 = cy - t;
+  *bx2 = *bx1 + dx;
+  *by2 = *by1 + dy;
+  return 2;
+}
+
+int DLthrPtangC(double eps, double cx, double cy, double r, double px, double py, double* x1,
+                double* y1, double* x2, double* y2) {
+  if (!allFinite({eps, cx, cy, r, px, py}))
+    return 0;
+  const double ex = cx - px;
+  const double ey = cy - py;
+  const double d2 = ex * ex + ey * ey;
+  if (!((r - eps) * (r - eps) <= d2) || !std::isfinite(d2))  // inside the circle
+    return 0;
+  // w is perpendicular to C - P with |w|^2 = d2.
+  const double wx = cy - py;
+  const double wy = px - cx;
+  if ((r + eps) * (r + eps) > d2) {
+    // On the circle: a second point of the tangent at P.
+    *x1 = px + wx;
+    *y1 = py + wy;
+    return 1;
+  }
+  const double h2 = d2 - r * r;
+  const double h = std::sqrt(h2);
+  // M, the middle of the chord of contact, at t = h2 / d2 from P towards C.
+  const double t = ((h - r) * (h + r) / d2 + 1.0) / 2.0;
+  const double mx = px + t * ex;
+  const double my = py + t * ey;
+  // q = h2 r^2 in exact arithmetic; round-off can take it just below zero for tiny circles.
+  const double q = std::max(h2 * d2 - (t * d2) * (t * d2), 0.0);
+  const double s = std::sqrt(q) / d2;
+  const double tx1 = mx + s * wx, ty1 = my + s * wy, tx2 = mx - s * wx, ty2 = my - s * wy;
+  if (!allFinite({tx1, ty1, tx2, ty2}))
+    return 0;
+  *x1 = tx1;
+  *y1 = ty1;
+  *x2 = tx2;
+  *y2 = ty2;
+  return 2;
+}
+
+int DLthrPtangArc(double eps, double cx, double cy, double r, double a, double b, double px,
+                  double py, double* x1, double* y1, double* x2, double* y2) {
+  if (!allFinite({a, b}))
+    return 0;
+  const int n = DLthrPtangC(eps, cx, cy, r, px, py, x1, y1, x2, y2);
+  if (n == 1)  // the angle of the second tangent point P + w is tested, not P's
+    return onArcSweep(eps, cx, cy, a, b, *x1, *y1) ? 1 : 0;
+  if (n != 2)
+    return 0;
+  const bool first = onArcSweep(eps, cx, cy, a, b, *x1, *y1);
+  const bool second = onArcSweep(eps, cx, cy, a, b, *x2, *y2);
+  if (first)
+    return second ? 2 : 1;
+  if (!second)
+    return 0;
+  *x1 = *x2;
+  *y1 = *y2;
+  return 1;
+}
+
+int DLperLtangC(double eps, double x1, double y1, double x2, double y2, double cx, double cy,
+                double r, double (*pts)[2]) {
+  if (!allFinite({eps, x1, y1, x2, y2, cx, cy, r}))
+    return 0;
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  const double len2 = dx * dx + dy * dy;
+  if (!std::isfinite(len2))
+    return 0;
+  if (!(r >= eps)) {
+    // A point circle: the line from the foot (or the line's start) to the centre.
+    pts[1][0] = cx;
+    pts[1][1] = cy;
+    footOrStart(eps, x1, y1, x2, y2, cx, cy, pts[0]);
+    return 1;
+  }
+  if (len2 < eps * eps)  // the point passed is (centre x, first line y), as the host expects
+    return DLthrPtangC(eps, cx, cy, r, cx, y1, &pts[0][0], &pts[0][1], &pts[1][0], &pts[1][1]);
+  const double len = std::sqrt(len2);
+  const double ux = dx / len;
+  const double uy = dy / len;
+  // Tangency points along the line's direction; each foot is its point moved by dist along
+  // the normal (uy, -ux).
+  const double dist = (cx - x1) * uy - (cy - y1) * ux;
+  const double t1x = cx + r * ux, t1y = cy + r * uy;
+  const double t2x = cx - r * ux, t2y = cy - r * uy;
+  pts[0][0] = t1x - dist * uy;
+  pts[0][1] = t1y + dist * ux;
+  pts[1][0] = t1x;
+  pts[1][1] = t1y;
+  pts[2][0] = t2x - dist * uy;
+  pts[2][1] = t2y + dist * ux;
+  pts[3][0] = t2x;
+  pts[3][1] = t2y;
+  return 2;
+}
+
+int DLperLperArc(double eps, double x1, double y1, double x2, double y2, double cx, double cy,
+                 double r, double a, double b, double (*pts)[2]) {
+  if (!allFinite({eps, x1, y1, x2, y2, cx, cy, r, a, b}))
+    return 0;
+  const double dx = x2 - x1;
+  const double dy = y2 - y1;
+  const double len2 = dx * dx + dy * dy;
+  if (!std::isfinite(len2))
+    return 0;
+  if (!(r >= eps)) {
+    pts[1][0] = cx;
+    pts[1][1] = cy;
+    footOrStart(eps, x1, y1, x2, y2, cx, cy, pts[0]);
+    return 1;
+  }
+  int flag = 0;
+  if (len2 >= eps * eps) {
+    // The perpendicular through the centre.
+    const int n = DArcLInts(eps, cx, cy, cx - dy, cy + dx, cx, cy, r, a, b, &pts[1][0],
+                            &pts[1][1], &pts[2][0], &pts[2][1], &flag);
+    footOrStart(eps, x1, y1, x2, y2, cx, cy, pts[0]);
+    return n;
+  }
+  const double ex = x1 - cx;
+  const double ey = y1 - cy;
+  if (ex * ex + ey * ey >= eps * eps) {
+    // A point line: the line from it through the centre.
+    const int n = DArcLInts(eps, x1, y1, cx, cy, cx, cy, r, a, b, &pts[1][0], &pts[1][1],
+                            &pts[2][0], &pts[2][1], &flag);
+    pts[0][0] = x1;
+    pts[0][1] = y1;
+    return n;
+  }
+  // The point at the centre: the vertical through it, upper end first; a single valid end,
+  // upper or lower, takes slot 1.
+  pts[0][0] = x1;
+  pts[0][1] = y1;
+  int n = 0;
+  if (ValidAngle(eps, a, b, kHalfPi) == 1) {
+    pts[1 + n][0] = cx;
+    pts[1 + n][1] = cy + r;
+    ++n;
+  }
+  if (ValidAngle(eps, a, b, 3.0 * kHalfPi) == 1) {
+    pts[1 + n][0] = cx;
+    pts[1 + n][1] = cy - r;
+    ++n;
+  }
+  return n;
+}
