@@ -75,9 +75,8 @@ TARNSYSM_API int DGetCCLPerCircle(double eps, double px1, double py1, double r1,
 /// line 2 and the circle. The centre stays on the circle centre's side of line 2.
 TARNSYSM_API int DGetLLCPerCircle(double eps, double px1, double py1, double x1, double y1,
                                   double x2, double y2, double px2, double py2, double x3,
-                                  double y3, double x4, double y4, double px3, double py3,
-                                  double r, double ccx, double ccy, double* cx, double* cy,
-                                  double* r_out);
+                                  double y3, double x4, double y4, double px3, double py3, double r,
+                                  double ccx, double ccy, double* cx, double* cy, double* r_out);
 
 /// Centre on line 1, tangent to line 2 and through the point (x, y), chosen by line 2's pick.
 TARNSYSM_API int DGetLLPPerCircle(double eps, double px1, double py1, double x1, double y1,
@@ -88,8 +87,8 @@ TARNSYSM_API int DGetLLPPerCircle(double eps, double px1, double py1, double x1,
 /// Centre on the line, tangent to the circle and through the point (x, y), chosen by the
 /// circle's pick.
 TARNSYSM_API int DGetCLPPerCircle(double eps, double px, double py, double r, double ccx,
-                                  double ccy, double qx, double qy, double x1, double y1,
-                                  double x2, double y2, double x, double y, double* cx, double* cy,
+                                  double ccy, double qx, double qy, double x1, double y1, double x2,
+                                  double y2, double x, double y, double* cx, double* cy,
                                   double* r_out);
 
 /// Centre on line 1, tangent to lines 2 and 3, chosen by their picks; candidates are visited by
@@ -103,9 +102,9 @@ TARNSYSM_API int DGetLLLPerCircle(double eps, double px1, double py1, double x1,
 /// Centre on the line (x3, y3)-(x4, y4), through both points: the one solution. When the line is
 /// the points' bisector, the smallest such circle (centre at the midpoint). Returns 0 when the
 /// line (eps^2 >= its squared length) is too short or runs parallel to the bisector elsewhere.
-TARNSYSM_API int DGetPPLPerCircle(double eps, double x1, double y1, double x2, double y2,
-                                  double qx, double qy, double x3, double y3, double x4,
-                                  double y4, double* cx, double* cy, double* r);
+TARNSYSM_API int DGetPPLPerCircle(double eps, double x1, double y1, double x2, double y2, double qx,
+                                  double qy, double x3, double y3, double x4, double y4, double* cx,
+                                  double* cy, double* r);
 
 // ---- Tangent circles ---------------------------------------------------------------------------
 // Each writes *cx, *cy, *r and returns 1, or returns 0 with the outputs untouched when no
@@ -135,9 +134,8 @@ TARNSYSM_API int DGetCCPTanCircle(double eps, double px1, double py1, double r1,
 /// Tangent to two lines and a circle.
 TARNSYSM_API int DGetLLCTanCircle(double eps, double px1, double py1, double x1, double y1,
                                   double x2, double y2, double px2, double py2, double x3,
-                                  double y3, double x4, double y4, double px3, double py3,
-                                  double r, double ccx, double ccy, double* cx, double* cy,
-                                  double* r_out);
+                                  double y3, double x4, double y4, double px3, double py3, double r,
+                                  double ccx, double ccy, double* cx, double* cy, double* r_out);
 
 /// Tangent to three lines (the incircle and the three excircles of their triangle), chosen by
 /// the line picks.
@@ -155,21 +153,21 @@ TARNSYSM_API int DGetLLPTanCircle(double eps, double px1, double py1, double x1,
 
 /// Through two points, tangent to the line on point 1's side, chosen by the line's pick;
 /// candidates by ascending radius, so of scores within eps the smaller circle wins.
-TARNSYSM_API int DGetPPLTanCircle(double eps, double x1, double y1, double x2, double y2,
-                                  double px, double py, double lx1, double ly1, double lx2,
-                                  double ly2, double* cx, double* cy, double* r);
+TARNSYSM_API int DGetPPLTanCircle(double eps, double x1, double y1, double x2, double y2, double px,
+                                  double py, double lx1, double ly1, double lx2, double ly2,
+                                  double* cx, double* cy, double* r);
 
 /// Through two points, tangent to the circle, chosen by the circle's pick.
-TARNSYSM_API int DGetPPCTanCircle(double eps, double x1, double y1, double x2, double y2,
-                                  double px, double py, double rc, double ccx, double ccy,
-                                  double* cx, double* cy, double* r);
+TARNSYSM_API int DGetPPCTanCircle(double eps, double x1, double y1, double x2, double y2, double px,
+                                  double py, double rc, double ccx, double ccy, double* cx,
+                                  double* cy, double* r);
 
 /// Tangent to the circle and to the line on the point's side, through the point; chosen by the
 /// circle's pick alone (the line's pick is not read), candidates by ascending radius.
 TARNSYSM_API int DGetCLPTanCircle(double eps, double px1, double py1, double rc, double ccx,
                                   double ccy, double px2, double py2, double x1, double y1,
-                                  double x2, double y2, double x, double y, double* cx,
-                                  double* cy, double* r);
+                                  double x2, double y2, double x, double y, double* cx, double* cy,
+                                  double* r);
 
 /// Tangent to two circles with its centre on the line through their centres: as
 /// DGetCCLPerCircle with that line.
@@ -187,14 +185,12 @@ TARNSYSM_API int DGetCLTanCircle(double eps, double px1, double py1, double rc, 
 /// Tangent to the circle and through the point, centre on the line from the circle's centre to
 /// the point: as DGetCLPPerCircle with that line.
 TARNSYSM_API int DGetCPTanCircle(double eps, double px, double py, double rc, double ccx,
-                                 double ccy, double x, double y, double* cx, double* cy,
-                                 double* r);
+                                 double ccy, double x, double y, double* cx, double* cy, double* r);
 
 /// Tangent to the line and through the point, centre on the perpendicular from the point to the
 /// line: as DGetLLPPerCircle with that perpendicular. 0 when the point lies on the line.
-TARNSYSM_API int DGetLPTanCircle(double eps, double px, double py, double x1, double y1,
-                                 double x2, double y2, double x, double y, double* cx, double* cy,
-                                 double* r);
+TARNSYSM_API int DGetLPTanCircle(double eps, double px, double py, double x1, double y1, double x2,
+                                 double y2, double x, double y, double* cx, double* cy, double* r);
 
 // ---- Fitted circles ----------------------------------------------------------------------------
 

@@ -34,8 +34,7 @@ void SortDoubles(double* values, int lo, int hi);
 /// Writes up to two (x, y, |r|) and returns their number (0, 1 or 2).
 int SolveCenterRadiusSystem(double eps, double a1, double b1, double c1, double d1, double a2,
                             double b2, double c2, double d2, double px, double py, double s,
-                            double* x1, double* y1, double* r1, double* x2, double* y2,
-                            double* r2);
+                            double* x1, double* y1, double* r1, double* x2, double* y2, double* r2);
 
 /// One linear condition a x + b y + c + d r = 0 on a candidate's centre and signed radius.
 struct LinearCondition {
@@ -44,8 +43,8 @@ struct LinearCondition {
 
 /// |X - Cj| = |r - sj| minus |X - Cref| = |r - sref|: circle j (or a point, rj = sj = 0) against
 /// the reference circle.
-LinearCondition circleAgainst(double xj, double yj, double rj, double sj, double xref,
-                              double yref, double rref, double sref);
+LinearCondition circleAgainst(double xj, double yj, double rj, double sj, double xref, double yref,
+                              double rref, double sref);
 
 /// A line by its unit normal: signed distance a x + b y + c of a point, positive right of the
 /// direction from the first point to the second.
@@ -80,8 +79,8 @@ struct CandidateList {
   }
 
   /// Appends what SolveCenterRadiusSystem finds for the two conditions about P with offset s.
-  void solve(double eps, const LinearCondition& k1, const LinearCondition& k2, double px,
-             double py, double s);
+  void solve(double eps, const LinearCondition& k1, const LinearCondition& k2, double px, double py,
+             double s);
 };
 
 /// Index of the best candidate by score: the best starts at 1e100 and a candidate replaces it
@@ -127,8 +126,8 @@ CandidateList sortedByRadius(const CandidateList& list);
 /// Writes the candidate chosen by selectByScore, moved back by (ox, oy), and returns 1; 0 with
 /// the outputs untouched when the list is empty.
 template <class Score>
-int writeBest(double eps, const CandidateList& list, Score score, double ox, double oy,
-              double* cx, double* cy, double* r) {
+int writeBest(double eps, const CandidateList& list, Score score, double ox, double oy, double* cx,
+              double* cy, double* r) {
   const int i = selectByScore(eps, list.count, [&](int k) { return score(list.items[k]); });
   if (i < 0)
     return 0;

@@ -180,8 +180,8 @@ int SolveCenterRadiusSystem(double eps, double a1, double b1, double c1, double 
   return n;
 }
 
-LinearCondition circleAgainst(double xj, double yj, double rj, double sj, double xref,
-                              double yref, double rref, double sref) {
+LinearCondition circleAgainst(double xj, double yj, double rj, double sj, double xref, double yref,
+                              double rref, double sref) {
   return {2.0 * (xj - xref), 2.0 * (yj - yref),
           rj * rj - rref * rref - (xj * xj - xref * xref) - (yj * yj - yref * yref),
           -2.0 * (sj - sref)};
@@ -203,9 +203,8 @@ bool unitLine(double eps, double x1, double y1, double x2, double y2, UnitLine* 
 void CandidateList::solve(double eps, const LinearCondition& k1, const LinearCondition& k2,
                           double px, double py, double s) {
   Circle c[2] = {};
-  const int n = SolveCenterRadiusSystem(eps, k1.a, k1.b, k1.c, k1.d, k2.a, k2.b, k2.c, k2.d, px,
-                                        py, s, &c[0].x, &c[0].y, &c[0].r, &c[1].x, &c[1].y,
-                                        &c[1].r);
+  const int n = SolveCenterRadiusSystem(eps, k1.a, k1.b, k1.c, k1.d, k2.a, k2.b, k2.c, k2.d, px, py,
+                                        s, &c[0].x, &c[0].y, &c[0].r, &c[1].x, &c[1].y, &c[1].r);
   for (int i = 0; i < n; ++i)
     add(c[i].x, c[i].y, c[i].r);
 }
@@ -231,8 +230,8 @@ CandidateList sortedByRadius(const CandidateList& list) {
 void addThreeLineCircle(double eps, const UnitLine lines[3], const double sigma[3],
                         CandidateList* list) {
   // Rows (a_i, b_i, -sigma_i) . (x, y, r) = -c_i, by Cramer's rule.
-  const auto det3 = [](double a1, double b1, double c1, double a2, double b2, double c2,
-                       double a3, double b3, double c3) {
+  const auto det3 = [](double a1, double b1, double c1, double a2, double b2, double c2, double a3,
+                       double b3, double c3) {
     return a1 * (b2 * c3 - c2 * b3) - b1 * (a2 * c3 - c2 * a3) + c1 * (a2 * b3 - b2 * a3);
   };
   const UnitLine& l1 = lines[0];
@@ -259,8 +258,7 @@ int ArcList::index(double eps, double value, bool wraps) const {
   return k;
 }
 
-int commonTangents(double eps, double r1, double dx, double dy, double r2,
-                   double segments[4][4]) {
+int commonTangents(double eps, double r1, double dx, double dy, double r2, double segments[4][4]) {
   const double d2 = dx * dx + dy * dy;
   if (!((std::fabs(r1 - r2) + eps) * (std::fabs(r1 - r2) + eps) <= d2))
     return 0;
@@ -284,7 +282,7 @@ int commonTangents(double eps, double r1, double dx, double dy, double r2,
   };
   // Outer tangents touch both circles on the same side (k = r1 - r2), inner ones on opposite
   // sides (k = r1 + r2).
-  const auto fill = [&](double k, double side2, double (*out)[4]) {
+  const auto fill = [&](double k, double side2, double(*out)[4]) {
     double n[2][2];
     normals(k, n);
     for (int i = 0; i < 2; ++i) {

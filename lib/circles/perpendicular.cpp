@@ -31,16 +31,15 @@ int DGetCCLPerCircle(double eps, double px1, double py1, double r1, double cx1, 
       eps, list,
       [&](const Circle& c) {
         return CirclePickDeviation(eps, px1 - ox, py1 - oy, r1, 0.0, 0.0, c.x, c.y, c.r) +
-               CirclePickDeviation(eps, px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy, c.x, c.y,
-                                   c.r);
+               CirclePickDeviation(eps, px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy, c.x, c.y, c.r);
       },
       ox, oy, cx, cy, r);
 }
 
 int DGetLLCPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, double y1, double x2,
-                     double y2, double px2, double py2, double x3, double y3, double x4,
-                     double y4, double px3, double py3, double r, double ccx, double ccy,
-                     double* cx, double* cy, double* r_out) {
+                     double y2, double px2, double py2, double x3, double y3, double x4, double y4,
+                     double px3, double py3, double r, double ccx, double ccy, double* cx,
+                     double* cy, double* r_out) {
   if (!allFinite({eps, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, r, ccx, ccy}))
     return 0;
   const double ox = ccx, oy = ccy;
@@ -65,8 +64,8 @@ int DGetLLCPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, doub
 }
 
 int DGetLLPPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, double y1, double x2,
-                     double y2, double px2, double py2, double x3, double y3, double x4,
-                     double y4, double x, double y, double* cx, double* cy, double* r) {
+                     double y2, double px2, double py2, double x3, double y3, double x4, double y4,
+                     double x, double y, double* cx, double* cy, double* r) {
   if (!allFinite({eps, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, x, y}))
     return 0;
   const double ox = x, oy = y;
@@ -106,9 +105,9 @@ int DGetCLPPerCircle(double eps, double px, double py, double r, double ccx, dou
 }
 
 int DGetLLLPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, double y1, double x2,
-                     double y2, double px2, double py2, double x3, double y3, double x4,
-                     double y4, double px3, double py3, double x5, double y5, double x6,
-                     double y6, double* cx, double* cy, double* r) {
+                     double y2, double px2, double py2, double x3, double y3, double x4, double y4,
+                     double px3, double py3, double x5, double y5, double x6, double y6, double* cx,
+                     double* cy, double* r) {
   if (!allFinite({eps, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, x5, y5, x6, y6}))
     return 0;
   const double ox = x1, oy = y1;

@@ -18,7 +18,7 @@ namespace {
 // positions along it from its first point.
 struct MatchObject {
   bool isLine = false;
-  double r = 0.0, cx = 0.0, cy = 0.0;                        // circle
+  double r = 0.0, cx = 0.0, cy = 0.0;                                 // circle
   double x1 = 0.0, y1 = 0.0, x2 = 0.0, y2 = 0.0, ux = 0.0, uy = 0.0;  // line
   double px = 0.0, py = 0.0;
   ArcList cuts;
@@ -168,8 +168,8 @@ int DGetCCCTanCircle(double eps, double px1, double py1, double r1, double cx1, 
 
 int DGetCCLTanCircle(double eps, double px1, double py1, double r1, double cx1, double cy1,
                      double px2, double py2, double r2, double cx2, double cy2, double px3,
-                     double py3, double x1, double y1, double x2, double y2, double* cx,
-                     double* cy, double* r) {
+                     double py3, double x1, double y1, double x2, double y2, double* cx, double* cy,
+                     double* r) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2, px3, py3, x1, y1, x2, y2}))
     return 0;
   const double ox = cx1, oy = cy1;
@@ -203,16 +203,15 @@ int DGetCCPTanCircle(double eps, double px1, double py1, double r1, double cx1, 
       eps, list,
       [&](const Circle& c) {
         return CirclePickDeviation(eps, px1 - ox, py1 - oy, r1, 0.0, 0.0, c.x, c.y, c.r) +
-               CirclePickDeviation(eps, px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy, c.x, c.y,
-                                   c.r);
+               CirclePickDeviation(eps, px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy, c.x, c.y, c.r);
       },
       ox, oy, cx, cy, r);
 }
 
-int DGetLLCTanCircle(double eps, double px1, double py1, double x1, double y1, double x2,
-                     double y2, double px2, double py2, double x3, double y3, double x4,
-                     double y4, double px3, double py3, double r, double ccx, double ccy,
-                     double* cx, double* cy, double* r_out) {
+int DGetLLCTanCircle(double eps, double px1, double py1, double x1, double y1, double x2, double y2,
+                     double px2, double py2, double x3, double y3, double x4, double y4, double px3,
+                     double py3, double r, double ccx, double ccy, double* cx, double* cy,
+                     double* r_out) {
   if (!allFinite({eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, r, ccx, ccy}))
     return 0;
   const double ox = ccx, oy = ccy;
@@ -231,12 +230,12 @@ int DGetLLCTanCircle(double eps, double px1, double py1, double x1, double y1, d
   return selectMatched(eps, objects, list, ox, oy, cx, cy, r_out);
 }
 
-int DGetLLLTanCircle(double eps, double px1, double py1, double x1, double y1, double x2,
-                     double y2, double px2, double py2, double x3, double y3, double x4,
-                     double y4, double px3, double py3, double x5, double y5, double x6,
-                     double y6, double* cx, double* cy, double* r) {
-  if (!allFinite({eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, x5, y5, x6,
-                  y6}))
+int DGetLLLTanCircle(double eps, double px1, double py1, double x1, double y1, double x2, double y2,
+                     double px2, double py2, double x3, double y3, double x4, double y4, double px3,
+                     double py3, double x5, double y5, double x6, double y6, double* cx, double* cy,
+                     double* r) {
+  if (!allFinite(
+          {eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, x5, y5, x6, y6}))
     return 0;
   const double ox = x1, oy = y1;
   UnitLine lines[3];
@@ -264,9 +263,9 @@ int DGetLLLTanCircle(double eps, double px1, double py1, double x1, double y1, d
       ox, oy, cx, cy, r);
 }
 
-int DGetLLPTanCircle(double eps, double px1, double py1, double x1, double y1, double x2,
-                     double y2, double px2, double py2, double x3, double y3, double x4,
-                     double y4, double x, double y, double* cx, double* cy, double* r) {
+int DGetLLPTanCircle(double eps, double px1, double py1, double x1, double y1, double x2, double y2,
+                     double px2, double py2, double x3, double y3, double x4, double y4, double x,
+                     double y, double* cx, double* cy, double* r) {
   if (!allFinite({eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, x, y}))
     return 0;
   const double ox = x, oy = y;
@@ -275,8 +274,8 @@ int DGetLLPTanCircle(double eps, double px1, double py1, double x1, double y1, d
       !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &l2))
     return 0;
   CandidateList list;
-  list.solve(eps, l1.tangent(sideOf(eps, l1, 0.0, 0.0)), l2.tangent(sideOf(eps, l2, 0.0, 0.0)),
-             0.0, 0.0, 0.0);
+  list.solve(eps, l1.tangent(sideOf(eps, l1, 0.0, 0.0)), l2.tangent(sideOf(eps, l2, 0.0, 0.0)), 0.0,
+             0.0, 0.0);
   return writeBest(
       eps, list,
       [&](const Circle& c) {
@@ -305,8 +304,8 @@ int DGetPPLTanCircle(double eps, double x1, double y1, double x2, double y2, dou
   return writeBest(
       eps, sortedByRadius(list),
       [&](const Circle& c) {
-        return LinePickDeviation(eps, px - ox, py - oy, lx1 - ox, ly1 - oy, lx2 - ox, ly2 - oy,
-                                 c.x, c.y, c.r);
+        return LinePickDeviation(eps, px - ox, py - oy, lx1 - ox, ly1 - oy, lx2 - ox, ly2 - oy, c.x,
+                                 c.y, c.r);
       },
       ox, oy, cx, cy, r);
 }
@@ -357,8 +356,8 @@ int DGetCCTanCircle(double eps, double px1, double py1, double r1, double cx1, d
 }
 
 int DGetCLTanCircle(double eps, double px1, double py1, double rc, double ccx, double ccy,
-                    double px2, double py2, double x1, double y1, double x2, double y2,
-                    double* cx, double* cy, double* r) {
+                    double px2, double py2, double x1, double y1, double x2, double y2, double* cx,
+                    double* cy, double* r) {
   double fx = 0.0, fy = 0.0;
   if (!footOnLine(eps, ccx, ccy, x1, y1, x2, y2, &fx, &fy))
     return 0;

@@ -54,7 +54,7 @@ int DGetPPCircle(double eps, double x1, double y1, double x2, double y2, double*
   *cx = mx;
   *cy = my;
   const double d2 = (x1 - mx) * (x1 - mx) + (y1 - my) * (y1 - my);
-  if (eps * eps > d2)
+  if (eps * eps > d2 || !std::isfinite(d2))
     return 0;
   *r = std::sqrt(d2);
   return 1;
@@ -89,9 +89,8 @@ int DGetPPPCircle(double eps, double x1, double y1, double x2, double y2, double
   return 1;
 }
 
-int DGetCCRCircle(double eps, double px1, double py1, double r1, double cx1, double cy1,
-                  double px2, double py2, double r2, double cx2, double cy2, double R, double* cx,
-                  double* cy) {
+int DGetCCRCircle(double eps, double px1, double py1, double r1, double cx1, double cy1, double px2,
+                  double py2, double r2, double cx2, double cy2, double R, double* cx, double* cy) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2, R}))
     return 0;
   const double dx = cx2 - cx1;
@@ -165,17 +164,16 @@ int DGetLLRCircle(double eps, double px1, double py1, double x1, double y1, doub
   return writeBest(
       eps, list,
       [&](const Circle& c) {
-        return LinePickDeviation(eps, px1 - ox, py1 - oy, 0.0, 0.0, x2 - ox, y2 - oy, c.x, c.y,
-                                 R) +
+        return LinePickDeviation(eps, px1 - ox, py1 - oy, 0.0, 0.0, x2 - ox, y2 - oy, c.x, c.y, R) +
                LinePickDeviation(eps, px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, c.x,
                                  c.y, R);
       },
       ox, oy, cx, cy, &radius);
 }
 
-int DGetCCTanLine(double eps, double px1, double py1, double r1, double cx1, double cy1,
-                  double px2, double py2, double r2, double cx2, double cy2, double* x1,
-                  double* y1, double* x2, double* y2) {
+int DGetCCTanLine(double eps, double px1, double py1, double r1, double cx1, double cy1, double px2,
+                  double py2, double r2, double cx2, double cy2, double* x1, double* y1, double* x2,
+                  double* y2) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2}))
     return 0;
   double seg[4][4];

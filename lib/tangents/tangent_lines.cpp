@@ -1,10 +1,10 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Lines tangent to circles and arcs, parallel or perpendicular to given lines. A circle here is
 // (cx, cy, r): centre first, unlike the circle constructions.
-#include "tangents/tangents.h"
 #include "circles/internal.h"
 #include "intersect/intersect.h"
 #include "primitives/primitives.h"
+#include "tangents/tangents.h"
 
 #include <algorithm>
 #include <cmath>
@@ -192,8 +192,8 @@ int DLperLperArc(double eps, double x1, double y1, double x2, double y2, double 
   int flag = 0;
   if (len2 >= eps * eps) {
     // The perpendicular through the centre.
-    const int n = DArcLInts(eps, cx, cy, cx - dy, cy + dx, cx, cy, r, a, b, &pts[1][0],
-                            &pts[1][1], &pts[2][0], &pts[2][1], &flag);
+    const int n = DArcLInts(eps, cx, cy, cx - dy, cy + dx, cx, cy, r, a, b, &pts[1][0], &pts[1][1],
+                            &pts[2][0], &pts[2][1], &flag);
     footOrStart(eps, x1, y1, x2, y2, cx, cy, pts[0]);
     return n;
   }

@@ -15,8 +15,8 @@
 /// eps also pts[4], pts[5] and pts[6], pts[7] the inner ones. Returns the number of lines (0, 2,
 /// 4) and sets *count to the number of points (0, 4, 8); 0 when one circle lies within the other
 /// or touches it from inside. Room: 8 points.
-TARNSYSM_API int DTangLof2Cir(double eps, double cx1, double cy1, double r1, double cx2,
-                              double cy2, double r2, double (*pts)[2], int* count);
+TARNSYSM_API int DTangLof2Cir(double eps, double cx1, double cy1, double r1, double cx2, double cy2,
+                              double r2, double (*pts)[2], int* count);
 
 /// The two tangents of the circle parallel to the line (x1, y1)-(x2, y2): line A from
 /// (*ax1, *ay1), its tangency point left of the line's direction, to (*ax2, *ay2) = that point
