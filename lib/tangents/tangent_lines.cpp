@@ -33,6 +33,18 @@ void footOrStart(double eps, double x1, double y1, double x2, double y2, double 
   }
 }
 
+// Copies the first k points to the caller when all are finite.
+bool copyFinitePoints(const double (*out)[2], int k, double (*pts)[2]) {
+  for (int i = 0; i < k; ++i)
+    if (!allFinite({out[i][0], out[i][1]}))
+      return false;
+  for (int i = 0; i < k; ++i) {
+    pts[i][0] = out[i][0];
+    pts[i][1] = out[i][1];
+  }
+  return true;
+}
+
 }  // namespace
 
 int DTangLof2Cir(double eps, double cx1, double cy1, double r1, double cx2, double cy2, double r2,
@@ -144,34 +156,34 @@ int DLperLtangC(double eps, double x1, double y1, double x2, double y2, double c
   const double dx = x2 - x1;
   const double dy = y2 - y1;
   const double len2 = dx * dx + dy * dy;
-  if (!std::isfinite(len2))
-    return 0;
+  double out[4][2];
+  int lines = 1;
   if (!(r >= eps)) {
     // A point circle: the line from the foot (or the line's start) to the centre.
-    pts[1][0] = cx;
-    pts[1][1] = cy;
-    footOrStart(eps, x1, y1, x2, y2, cx, cy, pts[0]);
-    return 1;
-  }
-  if (len2 < eps * eps)  // the point passed is (centre x, first line y), as the host expects
+    out[1][0] = cx;
+    out[1][1] = cy;
+    footOrStart(eps, x1, y1, x2, y2, cx, cy, out[0]);
+  } else if (len2 < eps * eps) {
+    // The point passed is (centre x, first line y), as the drafting host expects.
     return DLthrPtangC(eps, cx, cy, r, cx, y1, &pts[0][0], &pts[0][1], &pts[1][0], &pts[1][1]);
-  const double len = std::sqrt(len2);
-  const double ux = dx / len;
-  const double uy = dy / len;
-  // Tangency points along the line's direction; each foot is its point moved by dist along
-  // the normal (uy, -ux).
-  const double dist = (cx - x1) * uy - (cy - y1) * ux;
-  const double t1x = cx + r * ux, t1y = cy + r * uy;
-  const double t2x = cx - r * ux, t2y = cy - r * uy;
-  pts[0][0] = t1x - dist * uy;
-  pts[0][1] = t1y + dist * ux;
-  pts[1][0] = t1x;
-  pts[1][1] = t1y;
-  pts[2][0] = t2x - dist * uy;
-  pts[2][1] = t2y + dist * ux;
-  pts[3][0] = t2x;
-  pts[3][1] = t2y;
-  return 2;
+  } else {
+    lines = 2;
+    const double len = std::sqrt(len2);
+    const double ux = dx / len;
+    const double uy = dy / len;
+    // Tangency points along the line's direction; each foot is its point moved by dist along
+    // the normal (uy, -ux).
+    const double dist = (cx - x1) * uy - (cy - y1) * ux;
+    out[1][0] = cx + r * ux;
+    out[1][1] = cy + r * uy;
+    out[3][0] = cx - r * ux;
+    out[3][1] = cy - r * uy;
+    out[0][0] = out[1][0] - dist * uy;
+    out[0][1] = out[1][1] + dist * ux;
+    out[2][0] = out[3][0] - dist * uy;
+    out[2][1] = out[3][1] + dist * ux;
+  }
+  return copyFinitePoints(out, 2 * lines, pts) ? lines : 0;
 }
 
 int DLperLperArc(double eps, double x1, double y1, double x2, double y2, double cx, double cy,
@@ -181,46 +193,44 @@ int DLperLperArc(double eps, double x1, double y1, double x2, double y2, double 
   const double dx = x2 - x1;
   const double dy = y2 - y1;
   const double len2 = dx * dx + dy * dy;
-  if (!std::isfinite(len2))
-    return 0;
-  if (!(r >= eps)) {
-    pts[1][0] = cx;
-    pts[1][1] = cy;
-    footOrStart(eps, x1, y1, x2, y2, cx, cy, pts[0]);
-    return 1;
-  }
-  int flag = 0;
-  if (len2 >= eps * eps) {
-    // The perpendicular through the centre.
-    const int n = DArcLInts(eps, cx, cy, cx - dy, cy + dx, cx, cy, r, a, b, &pts[1][0], &pts[1][1],
-                            &pts[2][0], &pts[2][1], &flag);
-    footOrStart(eps, x1, y1, x2, y2, cx, cy, pts[0]);
-    return n;
-  }
-  const double ex = x1 - cx;
-  const double ey = y1 - cy;
-  if (ex * ex + ey * ey >= eps * eps) {
-    // A point line: the line from it through the centre.
-    const int n = DArcLInts(eps, x1, y1, cx, cy, cx, cy, r, a, b, &pts[1][0], &pts[1][1],
-                            &pts[2][0], &pts[2][1], &flag);
-    pts[0][0] = x1;
-    pts[0][1] = y1;
-    return n;
-  }
-  // The point at the centre: the vertical through it, upper end first; a single valid end,
-  // upper or lower, takes slot 1.
-  pts[0][0] = x1;
-  pts[0][1] = y1;
+  double out[3][2];
   int n = 0;
-  if (ValidAngle(eps, a, b, kHalfPi) == 1) {
-    pts[1 + n][0] = cx;
-    pts[1 + n][1] = cy + r;
-    ++n;
+  if (!(r >= eps)) {
+    out[1][0] = cx;
+    out[1][1] = cy;
+    footOrStart(eps, x1, y1, x2, y2, cx, cy, out[0]);
+    n = 1;
+  } else if (len2 >= eps * eps || square(x1 - cx) + square(y1 - cy) >= eps * eps) {
+    // The perpendicular through the centre, or for a point line the line from it through the
+    // centre; intersected about the centre, so far-away drawings keep their digits.
+    const bool pointLine = !(len2 >= eps * eps);
+    double ex = pointLine ? x1 - cx : -dy;
+    double ey = pointLine ? y1 - cy : dx;
+    double xb = 0.0, yb = 0.0;
+    int flag = 0;
+    n = DArcLInts(eps, pointLine ? ex : 0.0, pointLine ? ey : 0.0, pointLine ? 0.0 : ex,
+                  pointLine ? 0.0 : ey, 0.0, 0.0, r, a, b, &ex, &ey, &xb, &yb, &flag);
+    out[1][0] = ex + cx;
+    out[1][1] = ey + cy;
+    out[2][0] = xb + cx;
+    out[2][1] = yb + cy;
+    if (pointLine) {
+      out[0][0] = x1;
+      out[0][1] = y1;
+    } else {
+      footOrStart(eps, x1, y1, x2, y2, cx, cy, out[0]);
+    }
+  } else {
+    // The point at the centre: the vertical through it, upper end first; a single valid end,
+    // upper or lower, takes slot 1.
+    out[0][0] = x1;
+    out[0][1] = y1;
+    for (const double side : {1.0, -1.0})
+      if (ValidAngle(eps, a, b, side > 0 ? kHalfPi : 3.0 * kHalfPi) == 1) {
+        ++n;
+        out[n][0] = cx;
+        out[n][1] = cy + side * r;
+      }
   }
-  if (ValidAngle(eps, a, b, 3.0 * kHalfPi) == 1) {
-    pts[1 + n][0] = cx;
-    pts[1 + n][1] = cy - r;
-    ++n;
-  }
-  return n;
+  return n > 0 && copyFinitePoints(out, n + 1, pts) ? n : 0;
 }
