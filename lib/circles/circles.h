@@ -198,7 +198,7 @@ TARNSYSM_API int DGetLPTanCircle(double eps, double px, double py, double x1, do
 /// distances (|p - c| - r)^2. Algorithm: shift to the centroid and scale by the RMS spread,
 /// Taubin's algebraic fit from the moments (Newton on its characteristic cubic from 0), then at
 /// most 20 Levenberg-Marquardt steps on (centre, radius) until the relative improvement falls
-/// below 1e-12. Exact points on a circle, even a 30 degree arc, come back to about 1e-12 relative.
+/// below 1e-12. Exact points on a circle, even a 30 degree arc, come back to within 1e-9 of r.
 /// Writes the centre, the radius and the RMS residual sqrt(sum / n); returns 1. Returns 0,
 /// outputs untouched, for n < 3, a null array, a non-finite coordinate, points whose RMS distance
 /// from their best-fitting line is at most eps (collinear or coincident), or a fit that overflows.

@@ -19,17 +19,18 @@ struct FitSums {
   double jte[3] = {};
 };
 
-FitSums fitSums(int n, const double (*pts)[2], double mx, double my, double scale, double a,
+FitSums fitSums(int n, const double (*pts)[2], double mx, double my, double invScale, double a,
                 double b, double R) {
   FitSums s;
   for (int i = 0; i < n; ++i) {
-    const double dx = (pts[i][0] - mx) / scale - a;
-    const double dy = (pts[i][1] - my) / scale - b;
+    const double dx = (pts[i][0] - mx) * invScale - a;
+    const double dy = (pts[i][1] - my) * invScale - b;
     const double d = std::sqrt(dx * dx + dy * dy);
     const double e = d - R;
     // d (e) / d (a, b, R); a point on the centre has no direction and contributes only to R.
-    const double ja = d > 0.0 ? -dx / d : 0.0;
-    const double jb = d > 0.0 ? -dy / d : 0.0;
+    const double invD = d > 0.0 ? 1.0 / d : 0.0;
+    const double ja = -dx * invD;
+    const double jb = -dy * invD;
     s.f += e * e;
     s.jtj[0][0] += ja * ja;
     s.jtj[0][1] += ja * jb;
@@ -87,9 +88,10 @@ int DGetNPCircle(double eps, int n, const double (*pts)[2], double* cx, double* 
 
   // Second moments of the offsets divided by reach, then the RMS spread as the scale.
   double sxx = 0.0, syy = 0.0, sxy = 0.0;
+  const double invReach = 1.0 / reach;
   for (int i = 0; i < n; ++i) {
-    const double x = (pts[i][0] - mx) / reach;
-    const double y = (pts[i][1] - my) / reach;
+    const double x = (pts[i][0] - mx) * invReach;
+    const double y = (pts[i][1] - my) * invReach;
     sxx += x * x;
     syy += y * y;
     sxy += x * y;
@@ -106,9 +108,10 @@ int DGetNPCircle(double eps, int n, const double (*pts)[2], double* cx, double* 
 
   // Taubin's fit on the scaled points (spread 1): moments about the centroid with z = x^2 + y^2.
   double Mxx = 0.0, Myy = 0.0, Mxy = 0.0, Mxz = 0.0, Myz = 0.0, Mzz = 0.0;
+  const double invScale = 1.0 / scale;
   for (int i = 0; i < n; ++i) {
-    const double x = (pts[i][0] - mx) / scale;
-    const double y = (pts[i][1] - my) / scale;
+    const double x = (pts[i][0] - mx) * invScale;
+    const double y = (pts[i][1] - my) * invScale;
     const double z = x * x + y * y;
     Mxx += x * x;
     Myy += y * y;
@@ -152,7 +155,7 @@ int DGetNPCircle(double eps, int n, const double (*pts)[2], double* cx, double* 
     return 0;
 
   // Levenberg-Marquardt on the geometric distances, damping scaled by the diagonal.
-  FitSums sums = fitSums(n, pts, mx, my, scale, a, b, R);
+  FitSums sums = fitSums(n, pts, mx, my, invScale, a, b, R);
   double lambda = 1e-3;
   for (int step = 0; step < 20 && sums.f > 0.0; ++step) {
     double m[3][3];
@@ -163,7 +166,8 @@ int DGetNPCircle(double eps, int n, const double (*pts)[2], double* cx, double* 
     double delta[3];
     if (!solve3(m, rhs, delta))
       break;
-    const FitSums trial = fitSums(n, pts, mx, my, scale, a + delta[0], b + delta[1], R + delta[2]);
+    const FitSums trial =
+        fitSums(n, pts, mx, my, invScale, a + delta[0], b + delta[1], R + delta[2]);
     if (!(trial.f < sums.f)) {
       lambda *= 10.0;
       continue;

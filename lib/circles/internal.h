@@ -123,19 +123,43 @@ int selectByMatchesThenScore(double eps, int count, Matches matches, Score score
 /// The candidates by ascending radius, equal radii keeping their order.
 CandidateList sortedByRadius(const CandidateList& list);
 
-/// Writes the candidate chosen by selectByScore, moved back by (ox, oy), and returns 1; 0 with
-/// the outputs untouched when the list is empty.
-template <class Score>
-int writeBest(double eps, const CandidateList& list, Score score, double ox, double oy, double* cx,
-              double* cy, double* r) {
-  const int i = selectByScore(eps, list.count, [&](int k) { return score(list.items[k]); });
-  if (i < 0)
-    return 0;
-  *cx = list.items[i].x + ox;
-  *cy = list.items[i].y + oy;
-  *r = list.items[i].r;
-  return 1;
-}
+/// Coordinates about a local origin (the first object): the constructions square coordinates,
+/// and squaring those of a far-away drawing would throw away the digits that decide the answer.
+/// Arguments are given in drawing coordinates; candidates live in local ones.
+struct LocalFrame {
+  double ox, oy;
+
+  double x(double v) const { return v - ox; }
+  double y(double v) const { return v - oy; }
+
+  bool line(double eps, double x1, double y1, double x2, double y2, UnitLine* l) const {
+    return unitLine(eps, x(x1), y(y1), x(x2), y(y2), l);
+  }
+
+  double circleScore(double eps, double px, double py, double r, double cx, double cy,
+                     const Circle& c) const {
+    return CirclePickDeviation(eps, x(px), y(py), r, x(cx), y(cy), c.x, c.y, c.r);
+  }
+
+  double lineScore(double eps, double px, double py, double x1, double y1, double x2, double y2,
+                   const Circle& c) const {
+    return LinePickDeviation(eps, x(px), y(py), x(x1), y(y1), x(x2), y(y2), c.x, c.y, c.r);
+  }
+
+  /// Writes the candidate chosen by selectByScore in drawing coordinates and returns 1; 0 with
+  /// the outputs untouched when the list is empty.
+  template <class Score>
+  int writeBest(double eps, const CandidateList& list, Score score, double* cx, double* cy,
+                double* r) const {
+    const int i = selectByScore(eps, list.count, [&](int k) { return score(list.items[k]); });
+    if (i < 0)
+      return 0;
+    *cx = list.items[i].x + ox;
+    *cy = list.items[i].y + oy;
+    *r = list.items[i].r;
+    return 1;
+  }
+};
 
 /// The circle whose centre and signed radius solve a_i x + b_i y + c_i = sigma_i r for the three
 /// lines (sigma 0: the centre lies on that line). Adds (x, y, |r|) to the list unless the system

@@ -15,25 +15,25 @@ int DGetCCLPerCircle(double eps, double px1, double py1, double r1, double cx1, 
                      double* cy, double* r) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2, x1, y1, x2, y2}))
     return 0;
-  const double ox = cx1, oy = cy1;
+  const LocalFrame f{cx1, cy1};
   // The centre line by its raw normal: a x + b y + c = 0.
   const double a = y2 - y1;
   const double b = x1 - x2;
   if (eps * eps > a * a + b * b)
     return 0;
-  const LinearCondition centreLine{a, b, -a * (x1 - ox) - b * (y1 - oy), 0.0};
+  const LinearCondition centreLine{a, b, -a * f.x(x1) - b * f.y(y1), 0.0};
   // Circle 1's sign stays +r1: the sign of r in the solver covers both of its tangencies.
   CandidateList list;
   for (const double s2 : {r2, -r2})
-    list.solve(eps, circleAgainst(cx2 - ox, cy2 - oy, r2, s2, 0.0, 0.0, r1, r1), centreLine, 0.0,
+    list.solve(eps, circleAgainst(f.x(cx2), f.y(cy2), r2, s2, 0.0, 0.0, r1, r1), centreLine, 0.0,
                0.0, r1);
-  return writeBest(
+  return f.writeBest(
       eps, list,
       [&](const Circle& c) {
-        return CirclePickDeviation(eps, px1 - ox, py1 - oy, r1, 0.0, 0.0, c.x, c.y, c.r) +
-               CirclePickDeviation(eps, px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy, c.x, c.y, c.r);
+        return f.circleScore(eps, px1, py1, r1, cx1, cy1, c) +
+               f.circleScore(eps, px2, py2, r2, cx2, cy2, c);
       },
-      ox, oy, cx, cy, r);
+      cx, cy, r);
 }
 
 int DGetLLCPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, double y1, double x2,
@@ -42,10 +42,9 @@ int DGetLLCPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, doub
                      double* cy, double* r_out) {
   if (!allFinite({eps, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, r, ccx, ccy}))
     return 0;
-  const double ox = ccx, oy = ccy;
+  const LocalFrame f{ccx, ccy};
   UnitLine centre, line;
-  if (!unitLine(eps, x1 - ox, y1 - oy, x2 - ox, y2 - oy, &centre) ||
-      !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &line))
+  if (!f.line(eps, x1, y1, x2, y2, &centre) || !f.line(eps, x3, y3, x4, y4, &line))
     return 0;
   // One solver call reaches one kind of tangency to the circle on the circle's side of line 2;
   // the second call, with the circle's sign flipped, reaches the other.
@@ -53,14 +52,13 @@ int DGetLLCPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, doub
   CandidateList list;
   for (const double s : {r, -r})
     list.solve(eps, centre.tangent(0.0), line.tangent(sigma), 0.0, 0.0, s);
-  return writeBest(
+  return f.writeBest(
       eps, list,
       [&](const Circle& c) {
-        return LinePickDeviation(eps, px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, c.x,
-                                 c.y, c.r) +
-               CirclePickDeviation(eps, px3 - ox, py3 - oy, r, 0.0, 0.0, c.x, c.y, c.r);
+        return f.lineScore(eps, px2, py2, x3, y3, x4, y4, c) +
+               f.circleScore(eps, px3, py3, r, ccx, ccy, c);
       },
-      ox, oy, cx, cy, r_out);
+      cx, cy, r_out);
 }
 
 int DGetLLPPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, double y1, double x2,
@@ -68,20 +66,15 @@ int DGetLLPPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, doub
                      double x, double y, double* cx, double* cy, double* r) {
   if (!allFinite({eps, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, x, y}))
     return 0;
-  const double ox = x, oy = y;
+  const LocalFrame f{x, y};
   UnitLine centre, line;
-  if (!unitLine(eps, x1 - ox, y1 - oy, x2 - ox, y2 - oy, &centre) ||
-      !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &line))
+  if (!f.line(eps, x1, y1, x2, y2, &centre) || !f.line(eps, x3, y3, x4, y4, &line))
     return 0;
   CandidateList list;
   list.solve(eps, centre.tangent(0.0), line.tangent(sideOf(eps, line, 0.0, 0.0)), 0.0, 0.0, 0.0);
-  return writeBest(
-      eps, list,
-      [&](const Circle& c) {
-        return LinePickDeviation(eps, px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, c.x,
-                                 c.y, c.r);
-      },
-      ox, oy, cx, cy, r);
+  return f.writeBest(
+      eps, list, [&](const Circle& c) { return f.lineScore(eps, px2, py2, x3, y3, x4, y4, c); }, cx,
+      cy, r);
 }
 
 int DGetCLPPerCircle(double eps, double px, double py, double r, double ccx, double ccy,
@@ -89,19 +82,16 @@ int DGetCLPPerCircle(double eps, double px, double py, double r, double ccx, dou
                      double x, double y, double* cx, double* cy, double* r_out) {
   if (!allFinite({eps, px, py, r, ccx, ccy, x1, y1, x2, y2, x, y}))
     return 0;
-  const double ox = x, oy = y;
+  const LocalFrame f{x, y};
   UnitLine centre;
-  if (!unitLine(eps, x1 - ox, y1 - oy, x2 - ox, y2 - oy, &centre))
+  if (!f.line(eps, x1, y1, x2, y2, &centre))
     return 0;
   CandidateList list;
-  list.solve(eps, circleAgainst(ccx - ox, ccy - oy, r, r, 0.0, 0.0, 0.0, 0.0), centre.tangent(0.0),
+  list.solve(eps, circleAgainst(f.x(ccx), f.y(ccy), r, r, 0.0, 0.0, 0.0, 0.0), centre.tangent(0.0),
              0.0, 0.0, 0.0);
-  return writeBest(
-      eps, list,
-      [&](const Circle& c) {
-        return CirclePickDeviation(eps, px - ox, py - oy, r, ccx - ox, ccy - oy, c.x, c.y, c.r);
-      },
-      ox, oy, cx, cy, r_out);
+  return f.writeBest(
+      eps, list, [&](const Circle& c) { return f.circleScore(eps, px, py, r, ccx, ccy, c); }, cx,
+      cy, r_out);
 }
 
 int DGetLLLPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, double y1, double x2,
@@ -110,26 +100,23 @@ int DGetLLLPerCircle(double eps, double /*px1*/, double /*py1*/, double x1, doub
                      double* cy, double* r) {
   if (!allFinite({eps, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, x5, y5, x6, y6}))
     return 0;
-  const double ox = x1, oy = y1;
+  const LocalFrame f{x1, y1};
   UnitLine lines[3];
-  if (!unitLine(eps, 0.0, 0.0, x2 - ox, y2 - oy, &lines[0]) ||
-      !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &lines[1]) ||
-      !unitLine(eps, x5 - ox, y5 - oy, x6 - ox, y6 - oy, &lines[2]))
+  if (!f.line(eps, x1, y1, x2, y2, &lines[0]) || !f.line(eps, x3, y3, x4, y4, &lines[1]) ||
+      !f.line(eps, x5, y5, x6, y6, &lines[2]))
     return 0;
   CandidateList list;
   for (const double sigma3 : {1.0, -1.0}) {
     const double sigma[3] = {0.0, 1.0, sigma3};
     addThreeLineCircle(eps, lines, sigma, &list);
   }
-  return writeBest(
+  return f.writeBest(
       eps, sortedByRadius(list),
       [&](const Circle& c) {
-        return LinePickDeviation(eps, px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, c.x,
-                                 c.y, c.r) +
-               LinePickDeviation(eps, px3 - ox, py3 - oy, x5 - ox, y5 - oy, x6 - ox, y6 - oy, c.x,
-                                 c.y, c.r);
+        return f.lineScore(eps, px2, py2, x3, y3, x4, y4, c) +
+               f.lineScore(eps, px3, py3, x5, y5, x6, y6, c);
       },
-      ox, oy, cx, cy, r);
+      cx, cy, r);
 }
 
 int DGetPPLPerCircle(double eps, double x1, double y1, double x2, double y2, double /*qx*/,

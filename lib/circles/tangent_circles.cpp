@@ -100,8 +100,8 @@ void cutPair(double eps, MatchObject& p, MatchObject& q) {
 }
 
 // Chooses among the candidates: most picked pieces hit first, then the summed pick score.
-int selectMatched(double eps, MatchObject (&objects)[3], const CandidateList& list, double ox,
-                  double oy, double* cx, double* cy, double* r) {
+int selectMatched(double eps, MatchObject (&objects)[3], const CandidateList& list,
+                  const LocalFrame& f, double* cx, double* cy, double* r) {
   cutPair(eps, objects[0], objects[1]);
   cutPair(eps, objects[0], objects[2]);
   cutPair(eps, objects[1], objects[2]);
@@ -125,8 +125,8 @@ int selectMatched(double eps, MatchObject (&objects)[3], const CandidateList& li
       });
   if (i < 0)
     return 0;
-  *cx = list.items[i].x + ox;
-  *cy = list.items[i].y + oy;
+  *cx = list.items[i].x + f.ox;
+  *cy = list.items[i].y + f.oy;
   *r = list.items[i].r;
   return 1;
 }
@@ -153,17 +153,17 @@ int DGetCCCTanCircle(double eps, double px1, double py1, double r1, double cx1, 
                      double* r) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2, px3, py3, r3, cx3, cy3}))
     return 0;
-  const double ox = cx1, oy = cy1;
-  MatchObject objects[3] = {MatchObject::circle(px1 - ox, py1 - oy, r1, 0.0, 0.0),
-                            MatchObject::circle(px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy),
-                            MatchObject::circle(px3 - ox, py3 - oy, r3, cx3 - ox, cy3 - oy)};
+  const LocalFrame f{cx1, cy1};
+  MatchObject objects[3] = {MatchObject::circle(f.x(px1), f.y(py1), r1, 0.0, 0.0),
+                            MatchObject::circle(f.x(px2), f.y(py2), r2, f.x(cx2), f.y(cy2)),
+                            MatchObject::circle(f.x(px3), f.y(py3), r3, f.x(cx3), f.y(cy3))};
   // The other four sign triples are these negated and give the same circles.
   const double signs[4][3] = {{-r1, r2, r3}, {r1, -r2, r3}, {r1, r2, -r3}, {r1, r2, r3}};
   CandidateList list;
   for (const auto& s : signs)
-    list.solve(eps, circleAgainst(cx2 - ox, cy2 - oy, r2, s[1], 0.0, 0.0, r1, s[0]),
-               circleAgainst(cx3 - ox, cy3 - oy, r3, s[2], 0.0, 0.0, r1, s[0]), 0.0, 0.0, s[0]);
-  return selectMatched(eps, objects, list, ox, oy, cx, cy, r);
+    list.solve(eps, circleAgainst(f.x(cx2), f.y(cy2), r2, s[1], 0.0, 0.0, r1, s[0]),
+               circleAgainst(f.x(cx3), f.y(cy3), r3, s[2], 0.0, 0.0, r1, s[0]), 0.0, 0.0, s[0]);
+  return selectMatched(eps, objects, list, f, cx, cy, r);
 }
 
 int DGetCCLTanCircle(double eps, double px1, double py1, double r1, double cx1, double cy1,
@@ -172,20 +172,20 @@ int DGetCCLTanCircle(double eps, double px1, double py1, double r1, double cx1, 
                      double* r) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2, px3, py3, x1, y1, x2, y2}))
     return 0;
-  const double ox = cx1, oy = cy1;
+  const LocalFrame f{cx1, cy1};
   UnitLine line;
-  if (!unitLine(eps, x1 - ox, y1 - oy, x2 - ox, y2 - oy, &line))
+  if (!f.line(eps, x1, y1, x2, y2, &line))
     return 0;
   MatchObject objects[3] = {
-      MatchObject::circle(px1 - ox, py1 - oy, r1, 0.0, 0.0),
-      MatchObject::circle(px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy),
-      MatchObject::line(px3 - ox, py3 - oy, x1 - ox, y1 - oy, x2 - ox, y2 - oy, line)};
+      MatchObject::circle(f.x(px1), f.y(py1), r1, 0.0, 0.0),
+      MatchObject::circle(f.x(px2), f.y(py2), r2, f.x(cx2), f.y(cy2)),
+      MatchObject::line(f.x(px3), f.y(py3), f.x(x1), f.y(y1), f.x(x2), f.y(y2), line)};
   const double signs[4][2] = {{r2, 1.0}, {r2, -1.0}, {-r2, 1.0}, {-r2, -1.0}};
   CandidateList list;
   for (const auto& s : signs)
-    list.solve(eps, circleAgainst(cx2 - ox, cy2 - oy, r2, s[0], 0.0, 0.0, r1, r1),
+    list.solve(eps, circleAgainst(f.x(cx2), f.y(cy2), r2, s[0], 0.0, 0.0, r1, r1),
                line.tangent(s[1]), 0.0, 0.0, r1);
-  return selectMatched(eps, objects, list, ox, oy, cx, cy, r);
+  return selectMatched(eps, objects, list, f, cx, cy, r);
 }
 
 int DGetCCPTanCircle(double eps, double px1, double py1, double r1, double cx1, double cy1,
@@ -193,19 +193,19 @@ int DGetCCPTanCircle(double eps, double px1, double py1, double r1, double cx1, 
                      double* cx, double* cy, double* r) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2, x, y}))
     return 0;
-  const double ox = cx1, oy = cy1;
+  const LocalFrame f{cx1, cy1};
   // Circle 1's sign stays +r1; the point is a circle of radius 0.
   CandidateList list;
   for (const double s2 : {r2, -r2})
-    list.solve(eps, circleAgainst(cx2 - ox, cy2 - oy, r2, s2, 0.0, 0.0, r1, r1),
-               circleAgainst(x - ox, y - oy, 0.0, 0.0, 0.0, 0.0, r1, r1), 0.0, 0.0, r1);
-  return writeBest(
+    list.solve(eps, circleAgainst(f.x(cx2), f.y(cy2), r2, s2, 0.0, 0.0, r1, r1),
+               circleAgainst(f.x(x), f.y(y), 0.0, 0.0, 0.0, 0.0, r1, r1), 0.0, 0.0, r1);
+  return f.writeBest(
       eps, list,
       [&](const Circle& c) {
-        return CirclePickDeviation(eps, px1 - ox, py1 - oy, r1, 0.0, 0.0, c.x, c.y, c.r) +
-               CirclePickDeviation(eps, px2 - ox, py2 - oy, r2, cx2 - ox, cy2 - oy, c.x, c.y, c.r);
+        return f.circleScore(eps, px1, py1, r1, cx1, cy1, c) +
+               f.circleScore(eps, px2, py2, r2, cx2, cy2, c);
       },
-      ox, oy, cx, cy, r);
+      cx, cy, r);
 }
 
 int DGetLLCTanCircle(double eps, double px1, double py1, double x1, double y1, double x2, double y2,
@@ -214,20 +214,19 @@ int DGetLLCTanCircle(double eps, double px1, double py1, double x1, double y1, d
                      double* r_out) {
   if (!allFinite({eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, r, ccx, ccy}))
     return 0;
-  const double ox = ccx, oy = ccy;
+  const LocalFrame f{ccx, ccy};
   UnitLine l1, l2;
-  if (!unitLine(eps, x1 - ox, y1 - oy, x2 - ox, y2 - oy, &l1) ||
-      !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &l2))
+  if (!f.line(eps, x1, y1, x2, y2, &l1) || !f.line(eps, x3, y3, x4, y4, &l2))
     return 0;
   MatchObject objects[3] = {
-      MatchObject::line(px1 - ox, py1 - oy, x1 - ox, y1 - oy, x2 - ox, y2 - oy, l1),
-      MatchObject::line(px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, l2),
-      MatchObject::circle(px3 - ox, py3 - oy, r, 0.0, 0.0)};
+      MatchObject::line(f.x(px1), f.y(py1), f.x(x1), f.y(y1), f.x(x2), f.y(y2), l1),
+      MatchObject::line(f.x(px2), f.y(py2), f.x(x3), f.y(y3), f.x(x4), f.y(y4), l2),
+      MatchObject::circle(f.x(px3), f.y(py3), r, 0.0, 0.0)};
   const double signs[4][2] = {{1.0, 1.0}, {1.0, -1.0}, {-1.0, 1.0}, {-1.0, -1.0}};
   CandidateList list;
   for (const auto& s : signs)
     list.solve(eps, l1.tangent(s[0]), l2.tangent(s[1]), 0.0, 0.0, r);
-  return selectMatched(eps, objects, list, ox, oy, cx, cy, r_out);
+  return selectMatched(eps, objects, list, f, cx, cy, r_out);
 }
 
 int DGetLLLTanCircle(double eps, double px1, double py1, double x1, double y1, double x2, double y2,
@@ -237,11 +236,10 @@ int DGetLLLTanCircle(double eps, double px1, double py1, double x1, double y1, d
   if (!allFinite(
           {eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, px3, py3, x5, y5, x6, y6}))
     return 0;
-  const double ox = x1, oy = y1;
+  const LocalFrame f{x1, y1};
   UnitLine lines[3];
-  if (!unitLine(eps, 0.0, 0.0, x2 - ox, y2 - oy, &lines[0]) ||
-      !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &lines[1]) ||
-      !unitLine(eps, x5 - ox, y5 - oy, x6 - ox, y6 - oy, &lines[2]))
+  if (!f.line(eps, x1, y1, x2, y2, &lines[0]) || !f.line(eps, x3, y3, x4, y4, &lines[1]) ||
+      !f.line(eps, x5, y5, x6, y6, &lines[2]))
     return 0;
   // Line 1's sign stays +1: the sign of r covers its other side.
   const double signs[4][2] = {{1.0, 1.0}, {1.0, -1.0}, {-1.0, 1.0}, {-1.0, -1.0}};
@@ -250,17 +248,14 @@ int DGetLLLTanCircle(double eps, double px1, double py1, double x1, double y1, d
     const double sigma[3] = {1.0, s[0], s[1]};
     addThreeLineCircle(eps, lines, sigma, &list);
   }
-  return writeBest(
+  return f.writeBest(
       eps, list,
       [&](const Circle& c) {
-        return LinePickDeviation(eps, px1 - ox, py1 - oy, 0.0, 0.0, x2 - ox, y2 - oy, c.x, c.y,
-                                 c.r) +
-               LinePickDeviation(eps, px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, c.x,
-                                 c.y, c.r) +
-               LinePickDeviation(eps, px3 - ox, py3 - oy, x5 - ox, y5 - oy, x6 - ox, y6 - oy, c.x,
-                                 c.y, c.r);
+        return f.lineScore(eps, px1, py1, x1, y1, x2, y2, c) +
+               f.lineScore(eps, px2, py2, x3, y3, x4, y4, c) +
+               f.lineScore(eps, px3, py3, x5, y5, x6, y6, c);
       },
-      ox, oy, cx, cy, r);
+      cx, cy, r);
 }
 
 int DGetLLPTanCircle(double eps, double px1, double py1, double x1, double y1, double x2, double y2,
@@ -268,23 +263,20 @@ int DGetLLPTanCircle(double eps, double px1, double py1, double x1, double y1, d
                      double y, double* cx, double* cy, double* r) {
   if (!allFinite({eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, x, y}))
     return 0;
-  const double ox = x, oy = y;
+  const LocalFrame f{x, y};
   UnitLine l1, l2;
-  if (!unitLine(eps, x1 - ox, y1 - oy, x2 - ox, y2 - oy, &l1) ||
-      !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &l2))
+  if (!f.line(eps, x1, y1, x2, y2, &l1) || !f.line(eps, x3, y3, x4, y4, &l2))
     return 0;
   CandidateList list;
   list.solve(eps, l1.tangent(sideOf(eps, l1, 0.0, 0.0)), l2.tangent(sideOf(eps, l2, 0.0, 0.0)), 0.0,
              0.0, 0.0);
-  return writeBest(
+  return f.writeBest(
       eps, list,
       [&](const Circle& c) {
-        return LinePickDeviation(eps, px1 - ox, py1 - oy, x1 - ox, y1 - oy, x2 - ox, y2 - oy, c.x,
-                                 c.y, c.r) +
-               LinePickDeviation(eps, px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, c.x,
-                                 c.y, c.r);
+        return f.lineScore(eps, px1, py1, x1, y1, x2, y2, c) +
+               f.lineScore(eps, px2, py2, x3, y3, x4, y4, c);
       },
-      ox, oy, cx, cy, r);
+      cx, cy, r);
 }
 
 int DGetPPLTanCircle(double eps, double x1, double y1, double x2, double y2, double px, double py,
@@ -292,38 +284,31 @@ int DGetPPLTanCircle(double eps, double x1, double y1, double x2, double y2, dou
                      double* r) {
   if (!allFinite({eps, x1, y1, x2, y2, px, py, lx1, ly1, lx2, ly2}))
     return 0;
-  const double ox = x1, oy = y1;
+  const LocalFrame f{x1, y1};
   UnitLine line;
-  if (!unitLine(eps, lx1 - ox, ly1 - oy, lx2 - ox, ly2 - oy, &line))
+  if (!f.line(eps, lx1, ly1, lx2, ly2, &line))
     return 0;
   CandidateList list;
-  list.solve(eps, circleAgainst(x2 - ox, y2 - oy, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0),
+  list.solve(eps, circleAgainst(f.x(x2), f.y(y2), 0.0, 0.0, 0.0, 0.0, 0.0, 0.0),
              line.tangent(sideOf(eps, line, 0.0, 0.0)), 0.0, 0.0, 0.0);
   // Smaller circles first: two points nearly parallel to the line also give a huge circle that
   // scores within eps of the small one.
-  return writeBest(
+  return f.writeBest(
       eps, sortedByRadius(list),
-      [&](const Circle& c) {
-        return LinePickDeviation(eps, px - ox, py - oy, lx1 - ox, ly1 - oy, lx2 - ox, ly2 - oy, c.x,
-                                 c.y, c.r);
-      },
-      ox, oy, cx, cy, r);
+      [&](const Circle& c) { return f.lineScore(eps, px, py, lx1, ly1, lx2, ly2, c); }, cx, cy, r);
 }
 
 int DGetPPCTanCircle(double eps, double x1, double y1, double x2, double y2, double px, double py,
                      double rc, double ccx, double ccy, double* cx, double* cy, double* r) {
   if (!allFinite({eps, x1, y1, x2, y2, px, py, rc, ccx, ccy}))
     return 0;
-  const double ox = ccx, oy = ccy;
+  const LocalFrame f{ccx, ccy};
   CandidateList list;
-  list.solve(eps, circleAgainst(x1 - ox, y1 - oy, 0.0, 0.0, 0.0, 0.0, rc, rc),
-             circleAgainst(x2 - ox, y2 - oy, 0.0, 0.0, 0.0, 0.0, rc, rc), 0.0, 0.0, rc);
-  return writeBest(
-      eps, list,
-      [&](const Circle& c) {
-        return CirclePickDeviation(eps, px - ox, py - oy, rc, 0.0, 0.0, c.x, c.y, c.r);
-      },
-      ox, oy, cx, cy, r);
+  list.solve(eps, circleAgainst(f.x(x1), f.y(y1), 0.0, 0.0, 0.0, 0.0, rc, rc),
+             circleAgainst(f.x(x2), f.y(y2), 0.0, 0.0, 0.0, 0.0, rc, rc), 0.0, 0.0, rc);
+  return f.writeBest(
+      eps, list, [&](const Circle& c) { return f.circleScore(eps, px, py, rc, ccx, ccy, c); }, cx,
+      cy, r);
 }
 
 int DGetCLPTanCircle(double eps, double px1, double py1, double rc, double ccx, double ccy,
@@ -331,21 +316,18 @@ int DGetCLPTanCircle(double eps, double px1, double py1, double rc, double ccx, 
                      double x, double y, double* cx, double* cy, double* r) {
   if (!allFinite({eps, px1, py1, rc, ccx, ccy, x1, y1, x2, y2, x, y}))
     return 0;
-  const double ox = x, oy = y;
+  const LocalFrame f{x, y};
   UnitLine line;
-  if (!unitLine(eps, x1 - ox, y1 - oy, x2 - ox, y2 - oy, &line))
+  if (!f.line(eps, x1, y1, x2, y2, &line))
     return 0;
   const LinearCondition tangentLine = line.tangent(sideOf(eps, line, 0.0, 0.0));
   CandidateList list;
   for (const double s : {rc, -rc})
-    list.solve(eps, circleAgainst(ccx - ox, ccy - oy, rc, s, 0.0, 0.0, 0.0, 0.0), tangentLine, 0.0,
+    list.solve(eps, circleAgainst(f.x(ccx), f.y(ccy), rc, s, 0.0, 0.0, 0.0, 0.0), tangentLine, 0.0,
                0.0, 0.0);
-  return writeBest(
+  return f.writeBest(
       eps, sortedByRadius(list),
-      [&](const Circle& c) {
-        return CirclePickDeviation(eps, px1 - ox, py1 - oy, rc, ccx - ox, ccy - oy, c.x, c.y, c.r);
-      },
-      ox, oy, cx, cy, r);
+      [&](const Circle& c) { return f.circleScore(eps, px1, py1, rc, ccx, ccy, c); }, cx, cy, r);
 }
 
 int DGetCCTanCircle(double eps, double px1, double py1, double r1, double cx1, double cy1,

@@ -93,8 +93,9 @@ int DGetCCRCircle(double eps, double px1, double py1, double r1, double cx1, dou
                   double py2, double r2, double cx2, double cy2, double R, double* cx, double* cy) {
   if (!allFinite({eps, px1, py1, r1, cx1, cy1, px2, py2, r2, cx2, cy2, R}))
     return 0;
-  const double dx = cx2 - cx1;
-  const double dy = cy2 - cy1;
+  const LocalFrame f{cx1, cy1};
+  const double dx = f.x(cx2);
+  const double dy = f.y(cy2);
   const double A = 2.0 * dx;
   const double B = 2.0 * dy;
   // Centres closer than eps / 2.
@@ -108,13 +109,13 @@ int DGetCCRCircle(double eps, double px1, double py1, double r1, double cx1, dou
     centresOnLineAroundOrigin(eps, A, B, K, R + s[0], R, &list);
   }
   double radius = 0.0;
-  return writeBest(
+  return f.writeBest(
       eps, list,
       [&](const Circle& c) {
-        return CirclePickDeviation(eps, px1 - cx1, py1 - cy1, r1, 0.0, 0.0, c.x, c.y, R) +
-               CirclePickDeviation(eps, px2 - cx1, py2 - cy1, r2, dx, dy, c.x, c.y, R);
+        return f.circleScore(eps, px1, py1, r1, cx1, cy1, c) +
+               f.circleScore(eps, px2, py2, r2, cx2, cy2, c);
       },
-      cx1, cy1, cx, cy, &radius);
+      cx, cy, &radius);
 }
 
 int DGetCLRCircle(double eps, double px, double py, double r, double cx, double cy, double qx,
@@ -122,21 +123,19 @@ int DGetCLRCircle(double eps, double px, double py, double r, double cx, double 
                   double* ocy) {
   (void)qx;
   (void)qy;  // the line's pick is not read: the circle's score alone chooses
+  const LocalFrame f{cx, cy};
   UnitLine line;
   if (!allFinite({eps, px, py, r, cx, cy, x1, y1, x2, y2, R}) ||
-      !unitLine(eps, x1 - cx, y1 - cy, x2 - cx, y2 - cy, &line))
+      !f.line(eps, x1, y1, x2, y2, &line))
     return 0;
   const double signs[4][2] = {{-r, -1.0}, {-r, 1.0}, {r, -1.0}, {r, 1.0}};
   CandidateList list;
   for (const auto& s : signs)
     centresOnLineAroundOrigin(eps, line.a, line.b, line.c - R * s[1], R + s[0], R, &list);
   double radius = 0.0;
-  return writeBest(
-      eps, list,
-      [&](const Circle& c) {
-        return CirclePickDeviation(eps, px - cx, py - cy, r, 0.0, 0.0, c.x, c.y, R);
-      },
-      cx, cy, ocx, ocy, &radius);
+  return f.writeBest(
+      eps, list, [&](const Circle& c) { return f.circleScore(eps, px, py, r, cx, cy, c); }, ocx,
+      ocy, &radius);
 }
 
 int DGetLLRCircle(double eps, double px1, double py1, double x1, double y1, double x2, double y2,
@@ -144,11 +143,9 @@ int DGetLLRCircle(double eps, double px1, double py1, double x1, double y1, doub
                   double* cx, double* cy) {
   if (!allFinite({eps, px1, py1, x1, y1, x2, y2, px2, py2, x3, y3, x4, y4, R}))
     return 0;
-  // About the first line's first point.
-  const double ox = x1, oy = y1;
+  const LocalFrame f{x1, y1};
   UnitLine l1, l2;
-  if (!unitLine(eps, 0.0, 0.0, x2 - ox, y2 - oy, &l1) ||
-      !unitLine(eps, x3 - ox, y3 - oy, x4 - ox, y4 - oy, &l2))
+  if (!f.line(eps, x1, y1, x2, y2, &l1) || !f.line(eps, x3, y3, x4, y4, &l2))
     return 0;
   const double det = l1.a * l2.b - l2.a * l1.b;
   if (withinOpen(det, eps))  // parallel
@@ -161,14 +158,13 @@ int DGetLLRCircle(double eps, double px1, double py1, double x1, double y1, doub
     list.add((c2 * l1.b - c1 * l2.b) / det, (l2.a * c1 - l1.a * c2) / det, R);
   }
   double radius = 0.0;
-  return writeBest(
+  return f.writeBest(
       eps, list,
       [&](const Circle& c) {
-        return LinePickDeviation(eps, px1 - ox, py1 - oy, 0.0, 0.0, x2 - ox, y2 - oy, c.x, c.y, R) +
-               LinePickDeviation(eps, px2 - ox, py2 - oy, x3 - ox, y3 - oy, x4 - ox, y4 - oy, c.x,
-                                 c.y, R);
+        return f.lineScore(eps, px1, py1, x1, y1, x2, y2, c) +
+               f.lineScore(eps, px2, py2, x3, y3, x4, y4, c);
       },
-      ox, oy, cx, cy, &radius);
+      cx, cy, &radius);
 }
 
 int DGetCCTanLine(double eps, double px1, double py1, double r1, double cx1, double cy1, double px2,

@@ -33,6 +33,16 @@ void footOrStart(double eps, double x1, double y1, double x2, double y2, double 
   }
 }
 
+// A circle of radius below eps is its centre: one line, from the centre's foot on the line (or
+// the line's start) to the centre, into out[0] and out[1].
+int lineToCentre(double eps, double x1, double y1, double x2, double y2, double cx, double cy,
+                 double (*out)[2]) {
+  footOrStart(eps, x1, y1, x2, y2, cx, cy, out[0]);
+  out[1][0] = cx;
+  out[1][1] = cy;
+  return 1;
+}
+
 // Copies the first k points to the caller when all are finite.
 bool copyFinitePoints(const double (*out)[2], int k, double (*pts)[2]) {
   for (int i = 0; i < k; ++i)
@@ -159,10 +169,7 @@ int DLperLtangC(double eps, double x1, double y1, double x2, double y2, double c
   double out[4][2];
   int lines = 1;
   if (!(r >= eps)) {
-    // A point circle: the line from the foot (or the line's start) to the centre.
-    out[1][0] = cx;
-    out[1][1] = cy;
-    footOrStart(eps, x1, y1, x2, y2, cx, cy, out[0]);
+    lineToCentre(eps, x1, y1, x2, y2, cx, cy, out);
   } else if (len2 < eps * eps) {
     // The point passed is (centre x, first line y), as the drafting host expects.
     return DLthrPtangC(eps, cx, cy, r, cx, y1, &pts[0][0], &pts[0][1], &pts[1][0], &pts[1][1]);
@@ -196,10 +203,7 @@ int DLperLperArc(double eps, double x1, double y1, double x2, double y2, double 
   double out[3][2];
   int n = 0;
   if (!(r >= eps)) {
-    out[1][0] = cx;
-    out[1][1] = cy;
-    footOrStart(eps, x1, y1, x2, y2, cx, cy, out[0]);
-    n = 1;
+    n = lineToCentre(eps, x1, y1, x2, y2, cx, cy, out);
   } else if (len2 >= eps * eps || square(x1 - cx) + square(y1 - cy) >= eps * eps) {
     // The perpendicular through the centre, or for a point line the line from it through the
     // centre; intersected about the centre, so far-away drawings keep their digits.
