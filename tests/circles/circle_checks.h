@@ -36,32 +36,6 @@ inline double lineDistance(Pt p, const Line& l) {
          std::hypot(l.x2 - l.x1, l.y2 - l.y1);
 }
 
-// How a result relates to a given object.
-enum class Kind { tangentCircle, tangentLine, through, centreOn };
-struct Condition {
-  Kind kind;
-  Circ c;
-  Line l;
-  Pt p;
-};
-
-// How far the circle (centre q, radius r) misses the condition, as a length.
-inline double miss(const Condition& k, Pt q, double r) {
-  switch (k.kind) {
-    case Kind::tangentCircle: {
-      const double d = dist(q, {k.c.x, k.c.y});
-      return std::fmin(std::fabs(d - (r + k.c.r)), std::fabs(d - std::fabs(r - k.c.r)));
-    }
-    case Kind::tangentLine:
-      return std::fabs(lineDistance(q, k.l) - r);
-    case Kind::through:
-      return std::fabs(dist(q, k.p) - r);
-    case Kind::centreOn:
-      return lineDistance(q, k.l);
-  }
-  return 0.0;
-}
-
 // Draws configurations: circles of radius 0.5 to 3 about points of [-10, 10]^2, lines through
 // two such points, plain points; everything moved by a shift.
 struct Draw {
@@ -81,6 +55,12 @@ struct Draw {
     return {a.x, a.y, b.x, b.y};
   }
 };
+
+// Random configurations run at the origin and moved far from it, with the same accuracy.
+inline const auto kPlacements = testing::Values(Pt{0, 0}, Pt{1e6, -1e6});
+inline std::string placementName(const testing::TestParamInfo<Pt>& info) {
+  return info.param.x == 0 ? "at_origin" : "shifted_far";
+}
 
 // Outputs filled with a sentinel, so "untouched" can be told.
 struct Out {

@@ -22,6 +22,12 @@ struct Points {
   Pt operator[](int i) const { return {v[i][0], v[i][1]}; }
 };
 
+// DLtangCparaL into v[0..7].
+int parallelTangents(double cx, double cy, double r, const Line& l, double* v) {
+  return DLtangCparaL(kEps, cx, cy, r, l.x1, l.y1, l.x2, l.y2, v, v + 1, v + 2, v + 3, v + 4, v + 5,
+                      v + 6, v + 7);
+}
+
 double cross(Pt o, Pt a, Pt b) {
   return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
 }
@@ -59,12 +65,11 @@ TEST_P(TangentLines, common_tangents_touch_both_circles_outer_first) {
   EXPECT_GT(seen[0] * seen[1] * seen[2], 0);
 }
 
-TEST_P(TangentLines, tangents_from_a_point_and_parallel_tangents_touch_the_circle) {
+TEST_P(TangentLines, tangents_from_a_point_touch_the_circle) {
   Draw d(22, GetParam().x, GetParam().y);
   for (int trial = 0; trial < 1000; ++trial) {
     const Circ c = d.circle();
     const Pt p = d.point(), centre{c.x, c.y};
-    const Line l = d.line();
     if (std::fabs(dist(p, centre) - c.r) < 1e-3)
       continue;
     double t[4] = {kSentinel, kSentinel, kSentinel, kSentinel};
@@ -76,20 +81,6 @@ TEST_P(TangentLines, tangents_from_a_point_and_parallel_tangents_touch_the_circl
       EXPECT_NEAR(dist(q, centre), c.r, kTol) << trial;
       EXPECT_NEAR(dot(q, p, centre) / (dist(q, p) * c.r), 0, 1e-9) << trial;
       EXPECT_EQ(cross(p, centre, q) < 0, i == 0) << trial;  // the first right of P to C
-    }
-    // Parallel tangents: each starts on the circle, A left of the line's direction, B right,
-    // and runs along the line's vector.
-    double v[8];
-    ASSERT_EQ(DLtangCparaL(kEps, c.x, c.y, c.r, l.x1, l.y1, l.x2, l.y2, &v[0], &v[1], &v[2], &v[3],
-                           &v[4], &v[5], &v[6], &v[7]),
-              2);
-    for (int k = 0; k < 2; ++k) {
-      const Pt first{v[4 * k], v[4 * k + 1]}, ahead{c.x + l.x2 - l.x1, c.y + l.y2 - l.y1};
-      EXPECT_NEAR(dist(first, centre), c.r, kTol) << trial;
-      EXPECT_NEAR(
-          dist({v[4 * k + 2] - first.x, v[4 * k + 3] - first.y}, {ahead.x - c.x, ahead.y - c.y}), 0,
-          kTol);
-      EXPECT_EQ(cross(centre, ahead, first) > 0, k == 0) << trial;
     }
   }
 }
@@ -154,17 +145,13 @@ TEST_P(TangentLines, hostile_numbers_give_zero_or_finite_points) {
     n = DLthrPtangArc(kEps, a[4], a[5], a[6], a[7], a[8], a[9], a[1], &t[0], &t[1], &t[2], &t[3]);
     ASSERT_TRUE(n == 0 || std::isfinite(t[0] + t[1] + (n == 2 ? t[2] + t[3] : 0))) << trial;
     t[0] = kSentinel;
-    n = DLtangCparaL(kEps, a[4], a[5], a[6], a[0], a[1], a[2], a[3], &t[0], &t[1], &t[2], &t[3],
-                     &t[4], &t[5], &t[6], &t[7]);
+    n = parallelTangents(a[4], a[5], a[6], {a[0], a[1], a[2], a[3]}, t);
     // A vertical line's non-finite x is the stated formula's.
     ASSERT_TRUE(n == 0 ? t[0] == kSentinel : a[2] == a[0] || std::isfinite(t[0] + t[4]));
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Placement, TangentLines, testing::Values(Pt{0, 0}, Pt{1e6, -1e6}),
-                         [](const testing::TestParamInfo<Pt>& info) {
-                           return std::string(info.param.x == 0 ? "at_origin" : "shifted_far");
-                         });
+INSTANTIATE_TEST_SUITE_P(Placement, TangentLines, kPlacements, placementName);
 
 TEST(TangentLines, stated_counts_orders_and_failures) {
   Points pts(8);
@@ -174,16 +161,15 @@ TEST(TangentLines, stated_counts_orders_and_failures) {
   EXPECT_EQ(count + pts[0].x, kSentinel);
   EXPECT_EQ(DTangLof2Cir(kEps, 0, 0, 1, 2, 0, 1, pts.rows(), &count), 2);
   EXPECT_EQ(count, 4);
-  // Parallel tangents: a short line fails untouched, a vertical one gives non-finite x.
+  // Parallel tangents: a short line fails untouched, a vertical one gives non-finite x. Along
+  // (3, 4): A from (-0.8, 0.6) left of it, B from (0.8, -0.6), each to that plus (3, 4).
   double v[8] = {kSentinel};
-  EXPECT_EQ(DLtangCparaL(kEps, 0, 0, 1, 3, 3, 3, 3, &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6],
-                         &v[7]) +
-                v[0],
-            kSentinel);
-  EXPECT_EQ(DLtangCparaL(kEps, 0, 0, 1, 3, 0, 3, 1, &v[0], &v[1], &v[2], &v[3], &v[4], &v[5], &v[6],
-                         &v[7]),
-            2);
-  EXPECT_FALSE(std::isfinite(v[0]));
+  EXPECT_EQ(parallelTangents(0, 0, 1, {3, 3, 3, 3}, v) + v[0], kSentinel);
+  EXPECT_TRUE(parallelTangents(0, 0, 1, {3, 0, 3, 1}, v) == 2 && !std::isfinite(v[0]));
+  const double lr[8] = {-0.8, 0.6, 2.2, 4.6, 0.8, -0.6, 3.8, 3.4};
+  EXPECT_EQ(parallelTangents(0, 0, 1, {1, 1, 4, 5}, v), 2);
+  for (int i = 0; i < 8; ++i)
+    EXPECT_NEAR(v[i], lr[i], 1e-14) << i;
   // Unit circle, point (2, 0): touching at 60 and 300 degrees, the first right of P to C.
   const double h = std::sqrt(3.0) / 2;
   const double arcCases[][6] = {
