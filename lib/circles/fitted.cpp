@@ -72,18 +72,19 @@ int DGetNPCircle(double eps, int n, const double (*pts)[2], double* cx, double* 
                  double* rms) {
   if (n < 3 || pts == nullptr || !std::isfinite(eps))
     return 0;
-  // Centroid by running means (no overflow), then the largest offset from it.
+  // Centroid, then the largest offset from it; a sum that overflows (or a non-finite point)
+  // leaves the offset non-finite and the set is refused.
   double mx = 0.0, my = 0.0;
   for (int i = 0; i < n; ++i) {
-    if (!allFinite({pts[i][0], pts[i][1]}))
-      return 0;
-    mx += (pts[i][0] - mx) / (i + 1);
-    my += (pts[i][1] - my) / (i + 1);
+    mx += pts[i][0];
+    my += pts[i][1];
   }
+  mx /= n;
+  my /= n;
   double reach = 0.0;
   for (int i = 0; i < n; ++i)
     reach = std::max({reach, std::fabs(pts[i][0] - mx), std::fabs(pts[i][1] - my)});
-  if (!(reach > 0.0) || !std::isfinite(reach))
+  if (!(reach > 0.0) || !std::isfinite(reach + mx + my))
     return 0;
 
   // Second moments of the offsets divided by reach, then the RMS spread as the scale.

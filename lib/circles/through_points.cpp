@@ -118,11 +118,10 @@ int DGetCCRCircle(double eps, double px1, double py1, double r1, double cx1, dou
       cx, cy, &radius);
 }
 
-int DGetCLRCircle(double eps, double px, double py, double r, double cx, double cy, double qx,
-                  double qy, double x1, double y1, double x2, double y2, double R, double* ocx,
+// The line's pick is not read: the circle's score alone chooses.
+int DGetCLRCircle(double eps, double px, double py, double r, double cx, double cy, double /*qx*/,
+                  double /*qy*/, double x1, double y1, double x2, double y2, double R, double* ocx,
                   double* ocy) {
-  (void)qx;
-  (void)qy;  // the line's pick is not read: the circle's score alone chooses
   const LocalFrame f{cx, cy};
   UnitLine line;
   if (!allFinite({eps, px, py, r, cx, cy, x1, y1, x2, y2, R}) ||

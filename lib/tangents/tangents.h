@@ -45,7 +45,8 @@ TARNSYSM_API int DLthrPtangArc(double eps, double cx, double cy, double r, doubl
 /// on the line and pts[1] the tangency point ahead along the line's direction, pts[2], pts[3]
 /// the same behind; returns 2. A circle of radius below eps gives one line from the centre's foot
 /// (or the line's start) to the centre, result 1. A line shorter than eps gives the tangents from
-/// the point (cx, y1), as DLthrPtangC into pts[0], pts[1]. Room: 4 points.
+/// the point (cx, y1), as DLthrPtangC into pts[0], pts[1]. On 0 the points are untouched.
+/// Room: 4 points.
 TARNSYSM_API int DLperLtangC(double eps, double x1, double y1, double x2, double y2, double cx,
                              double cy, double r, double (*pts)[2]);
 
@@ -54,6 +55,6 @@ TARNSYSM_API int DLperLtangC(double eps, double x1, double y1, double x2, double
 /// the order DArcLInts gives them; returns their number. A line shorter than eps uses the line
 /// from its point through the centre instead; a point at the centre uses the vertical, upper end
 /// first, a single valid end in pts[1]. A radius below eps gives one line to the centre, result 1.
-/// Room: 3 points.
+/// On 0 the points are untouched. Room: 3 points.
 TARNSYSM_API int DLperLperArc(double eps, double x1, double y1, double x2, double y2, double cx,
                               double cy, double r, double a, double b, double (*pts)[2]);
