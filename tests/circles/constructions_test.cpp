@@ -39,10 +39,10 @@ struct Row {
   std::function<int(const Scene&, Out&)> call;
 };
 
-#define ROW(name, layout, flags, ...)                                       \
-  Row {                                                                     \
-    name, layout, flags, [](const Scene& s, Out& o) { return __VA_ARGS__; } \
-  }
+// clang-format off
+#define ROW(name, layout, flags, ...) \
+  Row{name, layout, flags, [](const Scene& s, Out& o) { return __VA_ARGS__; }}
+// clang-format on
 
 const Row kRows[] = {
     ROW("PP", "PP", kCollinear | kWritesOnFailure, DGetPPCircle(kEps, PT(0), PT(1), OUT)),
@@ -211,12 +211,10 @@ struct Case {
   Out expected;  // sentinels where an output stays untouched
 };
 
-#define CASE(name, result, x, y, r, ...)                \
-  Case {                                                \
-    name, [](Out& o) { return __VA_ARGS__; }, result, { \
-      x, y, r                                           \
-    }                                                   \
-  }
+// clang-format off
+#define CASE(name, result, x, y, r, ...) \
+  Case{name, [](Out& o) { return __VA_ARGS__; }, result, Out{x, y, r}}
+// clang-format on
 constexpr double S = kSentinel;
 const double kRoot3 = std::sqrt(3.0);
 
