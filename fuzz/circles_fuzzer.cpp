@@ -2,14 +2,11 @@
 // Fuzz target for the fitted circle (up to 64 points) and the three-circle and three-line
 // tangent circles, with property checks.
 //
-// Input layout (missing bytes read as 0):
+// Input layout (values as read by fuzz::ByteReader, fuzz_support.h):
 //   byte 0   bits 0-1 the call: 0 or 3 DGetNPCircle, 1 DGetCCCTanCircle, 2 DGetLLLTanCircle;
 //            bits 2-4 the tolerance (an entry of kTolerances; 7 reads it as a value)
 //   byte 1   DGetNPCircle's point count: n = byte % 67 - 2, so -2 .. 64
 //   values   [eps], then the points (2n values), or the 15 or 18 arguments in order.
-// A value starts with a tag byte t: t < 0x80 takes one more byte and gives a multiple of 1/64 in
-// [-256, 256) (exact coordinates make tangent, concentric and parallel cases common);
-// 0x80 <= t < 0xC0 picks one of kSpecialValues; t >= 0xC0 takes the next 8 bytes as a double.
 //
 // Properties, each aborting with a message when broken:
 //   - the result is 0 or 1;
@@ -18,80 +15,20 @@
 //   - the point array is an exact-size heap block, so AddressSanitizer traps any read past n.
 #include <Tarnsysm.h>
 
+#include "fuzz_support.h"
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
 #include <memory>
 
 namespace {
 
 constexpr double kTolerances[7] = {1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1};
 
-const double kSpecialValues[] = {
-    std::numeric_limits<double>::quiet_NaN(),
-    std::numeric_limits<double>::infinity(),
-    -std::numeric_limits<double>::infinity(),
-    std::numeric_limits<double>::max(),
-    -std::numeric_limits<double>::max(),
-    std::numeric_limits<double>::denorm_min(),
-    1e300,
-    -1e300,
-    1e150,
-    1e6,
-    -1e6,
-    -0.0,
-    1e-9,
-    5e-10,
-    2e-9,
-    1.0,
-    -1.0,
-    0.5,
-    3.141592653589793,
-};
-constexpr std::size_t kSpecialCount = sizeof kSpecialValues / sizeof kSpecialValues[0];
 constexpr double kSentinel = -4242.125;
 
-class ByteReader {
- public:
-  ByteReader(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
-
-  std::uint8_t byte() {
-    if (left_ == 0)
-      return 0;
-    --left_;
-    return *data_++;
-  }
-
-  double value() {
-    const std::uint8_t tag = byte();
-    if (tag < 0x80)
-      return ((tag << 8 | byte()) - 0x4000) / 64.0;
-    if (tag < 0xC0)
-      return kSpecialValues[(tag - 0x80u) % kSpecialCount];
-    std::uint8_t raw[sizeof(double)];
-    for (std::uint8_t& b : raw)
-      b = byte();
-    double v;
-    std::memcpy(&v, raw, sizeof v);
-    return v;
-  }
-
- private:
-  const std::uint8_t* data_;
-  std::size_t left_;
-};
-
-void require(bool ok, const char* what) {
-  if (ok)
-    return;
-  std::fprintf(stderr, "circles fuzzer: property broken: %s\n", what);
-  std::fflush(stderr);
-  std::abort();
-}
+using fuzz::require;
 
 // Result 1 with finite outputs, or result 0 with the outputs untouched.
 void checkOutputs(int result, const double* out, int count) {
@@ -104,7 +41,7 @@ void checkOutputs(int result, const double* out, int count) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  ByteReader in(data, size);
+  fuzz::ByteReader in(data, size);
   const std::uint8_t mode = in.byte();
   const int n = in.byte() % 67 - 2;
   const int tolerance = (mode >> 2) & 7;
