@@ -146,18 +146,22 @@ struct LocalFrame {
     return LinePickDeviation(eps, x(px), y(py), x(x1), y(y1), x(x2), y(y2), c.x, c.y, c.r);
   }
 
-  /// Writes the candidate chosen by selectByScore in drawing coordinates and returns 1; 0 with
-  /// the outputs untouched when the list is empty.
-  template <class Score>
-  int writeBest(double eps, const CandidateList& list, Score score, double* cx, double* cy,
-                double* r) const {
-    const int i = selectByScore(eps, list.count, [&](int k) { return score(list.items[k]); });
+  /// Writes candidate i in drawing coordinates and returns 1; 0, outputs untouched, for i < 0.
+  int write(const CandidateList& list, int i, double* cx, double* cy, double* r) const {
     if (i < 0)
       return 0;
     *cx = list.items[i].x + ox;
     *cy = list.items[i].y + oy;
     *r = list.items[i].r;
     return 1;
+  }
+
+  /// Writes the candidate chosen by selectByScore, as write does.
+  template <class Score>
+  int writeBest(double eps, const CandidateList& list, Score score, double* cx, double* cy,
+                double* r) const {
+    return write(list, selectByScore(eps, list.count, [&](int k) { return score(list.items[k]); }),
+                 cx, cy, r);
   }
 };
 

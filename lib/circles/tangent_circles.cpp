@@ -6,6 +6,7 @@
 #include "circles/circles.h"
 #include "circles/internal.h"
 #include "intersect/intersect.h"
+#include "primitives/primitives.h"
 
 #include <cmath>
 
@@ -123,26 +124,7 @@ int selectMatched(double eps, MatchObject (&objects)[3], const CandidateList& li
           sum += o.score(eps, list.items[k]);
         return sum;
       });
-  if (i < 0)
-    return 0;
-  *cx = list.items[i].x + f.ox;
-  *cy = list.items[i].y + f.oy;
-  *r = list.items[i].r;
-  return 1;
-}
-
-// Foot of the perpendicular from (x, y) on the line; false for a line shorter than eps.
-bool footOnLine(double eps, double x, double y, double x1, double y1, double x2, double y2,
-                double* fx, double* fy) {
-  const double nx = y2 - y1;
-  const double ny = x1 - x2;
-  const double n2 = nx * nx + ny * ny;
-  if (eps * eps > n2)
-    return false;
-  const double t = -(nx * (x - x1) + ny * (y - y1)) / n2;
-  *fx = x + t * nx;
-  *fy = y + t * ny;
-  return true;
+  return f.write(list, i, cx, cy, r);
 }
 
 }  // namespace
@@ -340,8 +322,9 @@ int DGetCCTanCircle(double eps, double px1, double py1, double r1, double cx1, d
 int DGetCLTanCircle(double eps, double px1, double py1, double rc, double ccx, double ccy,
                     double px2, double py2, double x1, double y1, double x2, double y2, double* cx,
                     double* cy, double* r) {
+  // The perpendicular from the centre to the line; a line shorter than eps has none.
   double fx = 0.0, fy = 0.0;
-  if (!footOnLine(eps, ccx, ccy, x1, y1, x2, y2, &fx, &fy))
+  if (DPointVerL(eps, ccx, ccy, x1, y1, x2, y2, &fx, &fy) == 0)
     return 0;
   return DGetLLCPerCircle(eps, 0.0, 0.0, ccx, ccy, fx, fy, px2, py2, x1, y1, x2, y2, px1, py1, rc,
                           ccx, ccy, cx, cy, r);
@@ -354,8 +337,9 @@ int DGetCPTanCircle(double eps, double px, double py, double rc, double ccx, dou
 
 int DGetLPTanCircle(double eps, double px, double py, double x1, double y1, double x2, double y2,
                     double x, double y, double* cx, double* cy, double* r) {
+  // The perpendicular from the point to the line; a line shorter than eps has none.
   double fx = 0.0, fy = 0.0;
-  if (!footOnLine(eps, x, y, x1, y1, x2, y2, &fx, &fy))
+  if (DPointVerL(eps, x, y, x1, y1, x2, y2, &fx, &fy) == 0)
     return 0;
   return DGetLLPPerCircle(eps, 0.0, 0.0, x, y, fx, fy, px, py, x1, y1, x2, y2, x, y, cx, cy, r);
 }
