@@ -37,14 +37,22 @@ double dot(Pt o, Pt a, Pt b) {
 
 class TangentLines : public testing::TestWithParam<Pt> {};
 
-TEST_P(TangentLines, common_tangents_touch_both_circles_outer_first) {
+// How far q misses being a point of c where the line from `from` touches it, as a length.
+double tangencyMiss(Pt q, Pt from, const Circ& c) {
+  const Pt centre{c.x, c.y};
+  return std::fmax(std::fabs(dist(q, centre) - c.r),
+                   std::fabs(dot(q, from, centre)) / dist(q, from));
+}
+
+TEST_P(TangentLines, common_tangents_and_tangents_from_a_point_touch_their_circles) {
   Draw d(21, GetParam().x, GetParam().y);
   int seen[3] = {};
   for (int trial = 0; trial < 2000; ++trial) {
     const Circ a = d.circle(), b = d.circle();
-    const Pt c1{a.x, a.y}, c2{b.x, b.y};
+    const Pt c1{a.x, a.y}, c2{b.x, b.y}, p = d.point();
     const double gap = dist(c1, c2);
-    if (std::fabs(gap - (a.r + b.r)) < 1e-3 || std::fabs(gap - std::fabs(a.r - b.r)) < 1e-3)
+    if (std::fabs(gap - (a.r + b.r)) < 1e-3 || std::fabs(gap - std::fabs(a.r - b.r)) < 1e-3 ||
+        std::fabs(dist(p, c1) - a.r) < 1e-3)
       continue;
     const int lines = gap > a.r + b.r ? 4 : gap > std::fabs(a.r - b.r) ? 2 : 0;
     Points pts(8);
@@ -54,35 +62,20 @@ TEST_P(TangentLines, common_tangents_touch_both_circles_outer_first) {
     ++seen[lines / 2];
     for (int i = 0; i < lines; ++i) {
       const Pt t1 = pts[2 * i], t2 = pts[2 * i + 1];
-      EXPECT_NEAR(dist(t1, c1), a.r, kTol) << trial;
-      EXPECT_NEAR(dist(t2, c2), b.r, kTol) << trial;
-      EXPECT_NEAR(dot(t1, t2, c1) / (dist(t1, t2) * a.r), 0, 1e-9) << trial;
-      EXPECT_NEAR(dot(t2, t1, c2) / (dist(t1, t2) * b.r), 0, 1e-9) << trial;
+      EXPECT_LT(tangencyMiss(t1, t2, a) + tangencyMiss(t2, t1, b), kTol) << trial;
       // Outer tangents leave both centres on one side, inner ones between them.
       EXPECT_EQ(cross(t1, t2, c1) * cross(t1, t2, c2) > 0, i < 2) << trial;
     }
-  }
-  EXPECT_GT(seen[0] * seen[1] * seen[2], 0);
-}
-
-TEST_P(TangentLines, tangents_from_a_point_touch_the_circle) {
-  Draw d(22, GetParam().x, GetParam().y);
-  for (int trial = 0; trial < 1000; ++trial) {
-    const Circ c = d.circle();
-    const Pt p = d.point(), centre{c.x, c.y};
-    if (std::fabs(dist(p, centre) - c.r) < 1e-3)
-      continue;
     double t[4] = {kSentinel, kSentinel, kSentinel, kSentinel};
-    const int n = DLthrPtangC(kEps, c.x, c.y, c.r, p.x, p.y, &t[0], &t[1], &t[2], &t[3]);
-    ASSERT_EQ(n, dist(p, centre) > c.r ? 2 : 0) << trial;
+    const int n = DLthrPtangC(kEps, a.x, a.y, a.r, p.x, p.y, &t[0], &t[1], &t[2], &t[3]);
+    ASSERT_EQ(n, dist(p, c1) > a.r ? 2 : 0) << trial;
     EXPECT_TRUE(n > 0 || t[0] == kSentinel);
     for (int i = 0; i < n; ++i) {
-      const Pt q{t[2 * i], t[2 * i + 1]};
-      EXPECT_NEAR(dist(q, centre), c.r, kTol) << trial;
-      EXPECT_NEAR(dot(q, p, centre) / (dist(q, p) * c.r), 0, 1e-9) << trial;
-      EXPECT_EQ(cross(p, centre, q) < 0, i == 0) << trial;  // the first right of P to C
+      EXPECT_LT(tangencyMiss({t[2 * i], t[2 * i + 1]}, p, a), kTol) << trial;
+      EXPECT_EQ(cross(p, c1, {t[2 * i], t[2 * i + 1]}) < 0, i == 0) << trial;  // first right of PC
     }
   }
+  EXPECT_GT(seen[0] * seen[1] * seen[2], 0);
 }
 
 TEST_P(TangentLines, perpendicular_lines_start_on_the_line_and_end_on_circle_or_arc) {
