@@ -130,6 +130,24 @@ struct TrimMeasure {
 int trimLoopsAndMeasure(double eps, double* const pick, int* closed, int n, double (*const v)[5],
                         TrimMeasure* measure);
 
+/// TrimLoopS for the rows of one offset step: a closed loop (a loop cut out, or what remains of
+/// a closed polyline) whose signed area has the opposite sign of `sourceArea`, the area of the
+/// polyline the step started from, is never kept; when nothing else is left it returns 0. A
+/// sourceArea of 0 keeps every loop, as TrimLoopS does.
+int trimStepLoops(double eps, double* const pick, int* closed, int n, double (*const v)[5],
+                  double sourceArea);
+
+/// Signed area enclosed by rows 0 .. n-1 taken as closed, positive when clockwise: the sum of
+/// LineArea over every segment, the closing one included, so a closed pair of rows counts too.
+double closedArea(double eps, int n, const double (*v)[5]);
+
+/// The last check of PLineOffset: whether the polyline v (n rows) keeps the offset distance from
+/// the polyline it was made from (ns rows of source): no point of it nearer the source than
+/// |distance| - eps, some point within |distance| + eps, and, both being closed, enclosing an
+/// area of the same sign. False for fewer than 2 rows in either. Throws std::bad_alloc.
+bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*source)[5],
+                         int closed, int n, const double (*v)[5], double distance);
+
 }  // namespace tarnsysm::detail
 
 // ---- Corner joins with the arcs already worked out (joins.cpp) ---------------------------------

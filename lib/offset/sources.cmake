@@ -5,5 +5,6 @@ list(APPEND TARNSYSM_SOURCES
   offset/joins.cpp)
 list(APPEND TARNSYSM_SOURCES
   offset/driver.cpp
+  offset/offset_check.cpp
   offset/segment_index.cpp
   offset/trim.cpp)

@@ -24,10 +24,17 @@
 //    on the infinite line would make every pick inside a circle of four arcs invisible.
 //  - Of a pair, the earlier segment j is passed first to D2LInts and D2ArcInts, the straight one
 //    first to DArcLInts.
+//  - The closing segment of a closed polyline and segment 0 share row 0 and are neighbours like
+//    segments i - 1 and i: they form a loop only where they meet a second time, and of their two
+//    points the one farther from row 0 along segment 0 is cut. A simple closed polygon comes
+//    back as itself.
 //  - Cutting a loop: the row X that replaces row j+1 carries the tail piece of segment i and the
 //    attributes (fields 3 and 4) of row i; row j keeps its attributes and the head piece of
-//    segment j. In the loop, X carries the tail piece of segment j and the attributes of row j,
-//    so a closed polygon whose closing segment meets segment 0 at row 0 comes back as itself.
+//    segment j. In the loop, X carries the tail piece of segment j and the attributes of row j.
+//  - Trimming an offset step (trimStepLoops) never keeps a closed loop that runs the other way
+//    round from the polyline the step started from: such a loop is a piece of the offset turned
+//    inside out (caps about far points, corners that reached across the region), not a part of
+//    the offset, however near the picked point it lies.
 //  - A loop is measured with the polyline's own closed flag, as the scan is defined; an open
 //    polyline's loop is measured without its closing segment.
 //  - Once two neighbouring segments have been cut at their second crossing, a second report of
@@ -300,9 +307,14 @@ bool secondCrossingMisses(double eps, const RoughSegment& line, const RoughSegme
   return sideOfChordScaled(arc, line.x1 + p * ux, line.y1 + p * uy) < -margin * arc.chord;
 }
 
+// How segment j (earlier) meets segment i (later) in the loop scan: apart, or sharing a row,
+// either the start of i (j = i - 1) or, for the closing segment i and segment 0, row 0.
+enum class Neighbours { none, previous, closing };
+
 // Where segment i (later) crosses segment j (earlier) in the loop scan, if it does.
-bool loopCrossing(double eps, const Segment& si, const Segment& sj, bool adjacent, double* x,
-                  double* y) {
+bool loopCrossing(double eps, const Segment& si, const Segment& sj, Neighbours neighbours,
+                  double* x, double* y) {
+  const bool adjacent = neighbours != Neighbours::none;
   if (!si.isArc && !sj.isArc) {
     // Neighbouring lines always meet at their shared row; only other pairs are tested.
     if (adjacent)
@@ -342,12 +354,18 @@ bool loopCrossing(double eps, const Segment& si, const Segment& sj, bool adjacen
   }
   if (adjacent) {
     // They always meet at the shared row: a loop needs a second point; the one farther from
-    // the shared row (in |dx| + |dy|) is taken, the first on a tie.
+    // the shared row is taken, the first on a tie. At the start of i that is farther in
+    // |dx| + |dy|; at row 0, farther along segment 0.
     if (count < 2)
       return false;
-    const double d0 = std::fabs(px[0] - si.x1) + std::fabs(py[0] - si.y1);
-    const double d1 = std::fabs(px[1] - si.x1) + std::fabs(py[1] - si.y1);
-    const int pick = d1 > d0 ? 1 : 0;
+    int pick;
+    if (neighbours == Neighbours::closing) {
+      pick = parameterAlong(eps, sj, px[1], py[1]) > parameterAlong(eps, sj, px[0], py[0]) ? 1 : 0;
+    } else {
+      const double d0 = std::fabs(px[0] - si.x1) + std::fabs(py[0] - si.y1);
+      const double d1 = std::fabs(px[1] - si.x1) + std::fabs(py[1] - si.y1);
+      pick = d1 > d0 ? 1 : 0;
+    }
     *x = px[pick];
     *y = py[pick];
     return true;
@@ -813,9 +831,13 @@ class ScanState {
     const RoughSegment ri = rough(id);
     const SegmentBox query = roughBoxOf(eps_, ri);
     int hit = -1;
+    // The closing segment shares row 0 (id 0, which is never cut out) with segment 0.
+    const bool closing = closed_ && next_[id] == -1;
     index_.visitBelowDescending(id, query, [&](int j) {
-      const bool adjacent = j == prev_[id];
-      if (adjacent) {
+      const Neighbours neighbours = j == prev_[id]      ? Neighbours::previous
+                                    : closing && j == 0 ? Neighbours::closing
+                                                        : Neighbours::none;
+      if (neighbours != Neighbours::none) {
         const RoughSegment rj = rough(j);
         // Neighbouring lines only meet at their shared row.
         if (ri.kind == RoughSegment::straight && rj.kind == RoughSegment::straight)
@@ -823,7 +845,7 @@ class ScanState {
         if (secondCrossingMisses(eps_, ri, rj) || secondCrossingMisses(eps_, rj, ri))
           return false;
       }
-      if (!loopCrossing(eps_, segment(id), segment(j), adjacent, x, y))
+      if (!loopCrossing(eps_, segment(id), segment(j), neighbours, x, y))
         return false;
       hit = j;
       return true;
@@ -930,10 +952,30 @@ struct CutLoop {
   std::unique_ptr<LazyDistance> distance;
 };
 
+// How an offset step is trimmed (trimStepLoops): loops enclosing an area of the other sign than
+// sourceArea (when it is not 0) are never kept, and a loop that is kept is trimmed in turn, at
+// most `retrims` times deep, since the scan never looks inside a loop it cuts out.
+struct StepTrim {
+  double sourceArea;
+  int retrims;
+};
+
 // TrimLoopS; when the PLineDist of the rows it returns (with the flag it returns) was worked out
-// on the way, or nearly, it is reported through *measure (when measure is not null).
+// on the way, or nearly, it is reported through *measure (when measure is not null). `step`
+// holds the rules of an offset step's trimming, null for TrimLoopS itself.
 int trimLoops(double eps, double* const pick, int* closed, int n, double (*const v)[5],
-              tarnsysm::detail::TrimMeasure* measure) {
+              tarnsysm::detail::TrimMeasure* measure, const StepTrim* step = nullptr) {
+  const auto reversed = [&](int count, double(*const rows)[5]) {
+    return step && step->sourceArea != 0.0 && closedArea(eps, count, rows) * step->sourceArea < 0.0;
+  };
+  // A loop kept by a step, now in v, trimmed of its own loops (it has fewer rows than the input,
+  // so this ends).
+  const auto keptLoop = [&](int count) {
+    if (!step || step->retrims <= 0 || count >= n)
+      return count;
+    const StepTrim inner{step->sourceArea, step->retrims - 1};
+    return trimLoops(eps, pick, closed, count, v, nullptr, &inner);
+  };
   const bool wasClosed = *closed == 1;
   RowArray work(n);
   copyRows(work.get(), v, n);
@@ -982,6 +1024,11 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
         break;
     }
     (*loop)[count - 1][2] = headI;
+    if (reversed(count, loop->get())) {
+      scan.cut(j, i, x, y, headJ, tailI);
+      i = j >= 1 ? i : scan.next(i);
+      continue;
+    }
 
     // Measured with PLineDist: a loop the picked point lies on (|s| < eps) is the result; one
     // strictly nearer than the saved loop replaces it; an equal or farther one, or one without a
@@ -1001,7 +1048,7 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
       *closed = 1;
       if (measure && wasClosed)
         *measure = {true, true, 0.0};  // on the loop: |s| < eps
-      return count;
+      return keptLoop(count);
     }
     const double best = saved.rows ? saved.distance->magnitude() : 1e100;
     if (distance->below(best)) {
@@ -1023,11 +1070,14 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
         std::memcpy(rest[r], rest[id], sizeof(double[5]));
     }
   }
+  const bool restReversed = *closed && reversed(r, rest);
+  if (restReversed && !saved.rows)
+    return 0;
   if (saved.rows) {
     // The remaining polyline wins ties: the saved loop is kept only when strictly nearer.
     double s = 0.0;
-    const bool restWins =
-        PLineDist(eps, *closed, r, rest, pick, &s) && !saved.distance->below(std::fabs(s));
+    const bool restWins = !restReversed && PLineDist(eps, *closed, r, rest, pick, &s) &&
+                          !saved.distance->below(std::fabs(s));
     if (restWins)
       copyRows(v, rest, r);
     else {
@@ -1037,7 +1087,7 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
       const int kept = TrimLoop0(eps, 1, count, v);
       if (measure && wasClosed && kept == count)
         *measure = {true, true, saved.distance->value()};
-      return kept;
+      return keptLoop(kept);
     }
     const int kept = TrimLoop0(eps, *closed, r, v);
     if (measure && kept == r)
@@ -1051,6 +1101,19 @@ int trimLoops(double eps, double* const pick, int* closed, int n, double (*const
 }  // namespace
 
 namespace tarnsysm::detail {
+
+int trimStepLoops(double eps, double* const pick, int* closed, int n, double (*const v)[5],
+                  double sourceArea) {
+  if (n <= 0)
+    return 0;
+  try {
+    // Loops inside kept loops, a few levels deep, are all the trimming of a step has to clear.
+    const StepTrim step{sourceArea, 8};
+    return trimLoops(eps, pick, closed, n, v, nullptr, &step);
+  } catch (const std::bad_alloc&) {
+    return n;
+  }
+}
 
 int trimLoopsAndMeasure(double eps, double* const pick, int* closed, int n, double (*const v)[5],
                         TrimMeasure* measure) {

@@ -252,14 +252,60 @@ inline double area(const std::vector<Seg>& segs) {
   return sum;
 }
 
+inline int sideOf(const std::vector<Seg>& src, P q, double tol, double* nearest = nullptr) {
+  double best = std::numeric_limits<double>::infinity();
+  for (const Seg& s : src)
+    if (boxGap(q, q, s.lo, s.hi) < best)
+      best = std::min(best, pointDist(s, q));
+  int right = 0, left = 0;
+  for (const Seg& s : src) {
+    int side = 0;
+    if (boxGap(q, q, s.lo, s.hi) <= best + tol && pointDist(s, q, &side) <= best + tol)
+      (side > 0 ? right : left) += side != 0;
+  }
+  if (nearest)
+    *nearest = best;
+  return right > 0 && left == 0 ? 1 : left > 0 && right == 0 ? -1 : 0;
+}
+
 }  // namespace validity_detail
+
+/// The side of point p from the source, +1 right of travel, -1 left, judged by the source
+/// segments nearest to p (within tol) whose nearest point lies inside them: -1 or +1 when they
+/// all agree, 0 when there is none or they disagree.
+inline int sideOf(const std::vector<ValidityRow>& source, bool closed, double px, double py,
+                  double tol = 1e-6) {
+  return validity_detail::sideOf(validity_detail::segments(source, closed, 0.0), {px, py}, tol);
+}
+
+/// Empty when the polyline neither crosses nor touches itself (neighbouring segments meet only
+/// at their shared row, within tol), else which segments meet.
+inline std::string selfCrossing(const std::vector<ValidityRow>& rows, bool closed,
+                                double tol = 1e-6) {
+  using namespace validity_detail;
+  const std::vector<Seg> segs = segments(rows, closed, tol * 1e-3);
+  const size_t m = segs.size();
+  for (size_t i = 0; i < m; ++i) {
+    for (size_t j = i + 1; j < m; ++j) {
+      const bool next = j == i + 1, wrap = closed && i == 0 && j == m - 1;
+      const Hits hits = crossings(segs[i], segs[j], tol * 1e-3);
+      for (int k = 0; k < hits.n; ++k) {
+        const P q = hits.p[k];
+        if ((next && len(q - segs[i].b) <= tol) || (wrap && len(q - segs[0].a) <= tol))
+          continue;
+        return "crosses itself at segments " + std::to_string(i) + " and " + std::to_string(j);
+      }
+    }
+  }
+  return "";
+}
 
 /// Empty when `result` (closed or open) is an offset of `source` by the signed `distance`
 /// (positive to the right of travel), else a short reason: every point of the result lies at
-/// least |distance| - tol from the source and some point within tol of |distance|; the result
-/// lies on the side the sign asks for (judged where a point's nearest source point is inside a
-/// segment); a closed result of a closed source runs the same way round; the result does not
-/// cross or touch itself (adjacent segments meet only at their shared row, within tol).
+/// least |distance| - tol from the source and some point within tol of |distance| (exact line
+/// and arc distances); its vertices and segment midpoints that lie at |distance| (within tol) lie
+/// on the side the sign asks for (see sideOf); a closed result of a closed source runs the same way
+/// round; the result does not cross or touch itself (see selfCrossing).
 inline std::string offsetValidity(const std::vector<ValidityRow>& source, bool sourceClosed,
                                   const std::vector<ValidityRow>& result, bool resultClosed,
                                   double distance, double tol = 1e-6) {
@@ -273,7 +319,6 @@ inline std::string offsetValidity(const std::vector<ValidityRow>& source, bool s
     return "no segments";
   const double d = std::fabs(distance);
 
-  // Exact nearest approach of the result to the source.
   double nearest = std::numeric_limits<double>::infinity();
   for (const Seg& r : res)
     for (const Seg& s : src)
@@ -284,46 +329,20 @@ inline std::string offsetValidity(const std::vector<ValidityRow>& source, bool s
   if (nearest > d + tol)
     return "stays " + std::to_string(nearest) + " away from the source";
 
-  // Side, at vertices and midpoints: a point is on the wrong side when every source segment
-  // that is nearest to it (within tol) and has its nearest point inside says so.
   const int want = distance > 0.0 ? 1 : -1;
   for (const Seg& r : res) {
-    const P mid = r.arc ? r.c + r.r * P{std::cos(r.a0 + r.sweep / 2), std::sin(r.a0 + r.sweep / 2)}
-                        : 0.5 * (r.a + r.b);
+    const double half = r.a0 + r.sweep / 2;
+    const P mid = r.arc ? r.c + r.r * P{std::cos(half), std::sin(half)} : 0.5 * (r.a + r.b);
     for (P q : {r.a, mid}) {
-      double best = std::numeric_limits<double>::infinity();
-      for (const Seg& s : src)
-        if (boxGap(q, q, s.lo, s.hi) < best)
-          best = std::min(best, pointDist(s, q));
-      int right = 0, wrong = 0;
-      for (const Seg& s : src) {
-        int side = 0;
-        if (boxGap(q, q, s.lo, s.hi) <= best + tol && pointDist(s, q, &side) <= best + tol)
-          (side == want ? right : wrong) += side != 0;
-      }
-      if (wrong > 0 && right == 0)
+      double at;
+      if (sideOf(src, q, tol, &at) == -want && at <= d + tol)
         return "lies on the wrong side";
     }
   }
 
   if (sourceClosed && resultClosed && area(src) * area(res) < 0.0)
     return "runs the other way round";
-
-  // Self-crossing: any shared point, except at the shared row of neighbouring segments.
-  const size_t m = res.size();
-  for (size_t i = 0; i < m; ++i) {
-    for (size_t j = i + 1; j < m; ++j) {
-      const bool next = j == i + 1, wrap = resultClosed && i == 0 && j == m - 1;
-      const Hits hits = crossings(res[i], res[j], tol * 1e-3);
-      for (int k = 0; k < hits.n; ++k) {
-        const P q = hits.p[k];
-        if ((next && len(q - res[i].b) <= tol) || (wrap && len(q - res[0].a) <= tol))
-          continue;
-        return "crosses itself at segments " + std::to_string(i) + " and " + std::to_string(j);
-      }
-    }
-  }
-  return "";
+  return selfCrossing(result, resultClosed, tol);
 }
 
 }  // namespace tarnsysm_test
