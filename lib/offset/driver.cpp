@@ -283,6 +283,38 @@ double solverLimit(double eps, double step, const Element& p, const Element& c, 
   return found ? out : step;
 }
 
+// The step limit of a closed polyline of two rows with an arc: the two segments share both rows,
+// and the step ends where their moved elements stop meeting, since no corner can be joined past
+// that. Two circles moved by x, signed radii r1 + x and r2 + x, centres D apart, meet while
+// |r1 + r2 + 2x| and |r1 - r2| lie on either side of D: they part at
+//   x = (+-D - r1 - r2) / 2.
+// A line (signed distance x) and a circle part where the centre's distance from the moved line,
+// h - x with h its distance from the line itself, equals r + x: x = (h - r) / 2. The roots are
+// filtered like the event solvers' roots.
+double twoRowLimit(double eps, double step, double (*const v)[5]) {
+  const Element first = elementOf(eps, v[0], v[1]);
+  const Element second = elementOf(eps, v[1], v[0]);
+  if (!first.valid || !second.valid || (!first.isArc && !second.isArc))
+    return step;
+  double roots[2];
+  int count = 0;
+  if (first.isArc && second.isArc) {
+    const double apart = std::sqrt(square(first.cx - second.cx) + square(first.cy - second.cy));
+    roots[count++] = (apart - first.r - second.r) / 2.0;
+    roots[count++] = (-apart - first.r - second.r) / 2.0;
+  } else {
+    const Element& line = first.isArc ? second : first;
+    const Element& circle = first.isArc ? first : second;
+    roots[count++] = (line.a * circle.cx + line.b * circle.cy + line.c - circle.r) / 2.0;
+  }
+  double limit = step;
+  for (int k = 0; k < count; ++k) {
+    if (step * roots[k] >= eps && std::fabs(roots[k]) < std::fabs(limit) - eps)
+      limit = roots[k];
+  }
+  return limit;
+}
+
 // The step limit of `cur` between `prev` and `next` (null: the open end of an open polyline).
 double limitStep(double eps, double step, const Element* prev, const Element& cur,
                  const Element* next) {
@@ -524,7 +556,7 @@ double OffsetStepLimit(double eps, double step, int i, int closed, int n, double
   if (n < 2)
     return 0.0;
   if (n == 2)
-    return step;
+    return closed ? twoRowLimit(eps, step, v) : step;
   const int segments = closed ? n : n - 1;
   if (i < 0 || i >= segments)
     return step;
@@ -714,38 +746,6 @@ constexpr long long kStepAllowance = 256;
 
 bool isDoubledLine(double eps, int n, double (*const v)[5]) {
   return n == 2 && withinOpen(v[0][2], eps) && withinOpen(v[1][2], eps);
-}
-
-// The step limit of a closed polyline of two rows with an arc: the two segments share both rows,
-// and the step ends where their moved elements stop meeting, since no corner can be joined past
-// that. Two circles moved by x, signed radii r1 + x and r2 + x, centres D apart, meet while
-// |r1 + r2 + 2x| and |r1 - r2| lie on either side of D: they part at
-//   x = (+-D - r1 - r2) / 2.
-// A line (signed distance x) and a circle part where the centre's distance from the moved line,
-// h - x with h its distance from the line itself, equals r + x: x = (h - r) / 2. The roots are
-// filtered like the event solvers' roots.
-double twoRowLimit(double eps, double step, double (*const v)[5]) {
-  const Element first = elementOf(eps, v[0], v[1]);
-  const Element second = elementOf(eps, v[1], v[0]);
-  if (!first.valid || !second.valid || (!first.isArc && !second.isArc))
-    return step;
-  double roots[2];
-  int count = 0;
-  if (first.isArc && second.isArc) {
-    const double apart = std::sqrt(square(first.cx - second.cx) + square(first.cy - second.cy));
-    roots[count++] = (apart - first.r - second.r) / 2.0;
-    roots[count++] = (-apart - first.r - second.r) / 2.0;
-  } else {
-    const Element& line = first.isArc ? second : first;
-    const Element& circle = first.isArc ? first : second;
-    roots[count++] = (line.a * circle.cx + line.b * circle.cy + line.c - circle.r) / 2.0;
-  }
-  double limit = step;
-  for (int k = 0; k < count; ++k) {
-    if (step * roots[k] >= eps && std::fabs(roots[k]) < std::fabs(limit) - eps)
-      limit = roots[k];
-  }
-  return limit;
 }
 
 // The step limit over every segment, each element computed once: a rolling window of the

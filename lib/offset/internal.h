@@ -95,8 +95,10 @@ namespace tarnsysm::detail {
 
 /// The part of the signed `step` that segment i (row i to row i+1, or to row 0 for the closing
 /// segment) can take before it shrinks to a point or, for an arc moving towards its centre,
-/// before its radius reaches 0. Returns step when nothing limits it, 0.0 for n < 2 and step for
-/// n = 2 or an index without a segment. See driver.cpp for the side signs.
+/// before its radius reaches 0. A closed polyline of two rows with an arc is limited where its
+/// two moved segments stop meeting (either segment). Returns step when nothing limits it, 0.0
+/// for n < 2, and step for an open or straight n = 2 or an index without a segment. See
+/// driver.cpp for the side signs.
 double OffsetStepLimit(double eps, double step, int i, int closed, int n, double (*const v)[5]);
 
 /// Writes the polyline moved by `step` into rows 0 .. of v and returns the new row count; reads

@@ -4,22 +4,27 @@
 //
 // The sharp-corner offset is built step by step, and on hard input (near-reversing corners,
 // joins that reach across the region) the pieces trimming keeps can be something other than an
-// offset. Rather than trust every stage, the result is measured against its source once more:
-// the exact distance between each result segment and the source segments near it (a box tree
-// over the source finds those), lines and arcs as they are, nothing sampled.
+// offset. Rather than trust every stage, the result is measured against its source once more,
+// lines and arcs as they are, nothing sampled. A box tree over the source segments gives, for
+// each result segment, only the source segments whose boxes come within d + eps of its own box
+// (Euclidean gaps between boxes, which never exceed the gaps between what they hold).
 //
-// The distance between two segments that do not cross is reached at an end of one of them, or
-// where the connecting segment is normal to both: for an arc, at its points facing the other
-// arc's centre or square to the other line; for a line, at the foot of the other arc's centre.
-// Those candidates, each measured to the other segment with DPnearLine or DPnearArc, give the
-// distance exactly; a crossing (D2LInts, DArcLInts, D2ArcInts) gives 0.
+// The distance between two segments that do not meet is reached at an end of one of them, or
+// where the connection is normal to both: for an arc, at its points facing the other arc's
+// centre or square to the other line; for a line, at the foot of the other arc's centre. Each
+// candidate is measured exactly to the other segment. Segments whose boxes overlap may meet;
+// D2LInts, DArcLInts and D2ArcInts decide, and a meeting is a distance of 0.
+//
+// An arc is worked out from its chord and bulge without trigonometry (the check runs over every
+// row of the result): centre at (1 - b^2)/(4b) chords left of the chord's midpoint, radius
+// chord (1 + b^2)/(4|b|), and a point of its circle lies on the arc exactly when it lies on the
+// arc's side of the chord (the right of travel for a positive bulge), whatever the sweep.
 #include "offset/offset.h"
 
 #include "intersect/intersect.h"
 #include "offset/internal.h"
 #include "offset/segment_index.h"
 #include "primitives/internal.h"
-#include "primitives/primitives.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,11 +35,25 @@ using namespace tarnsysm::detail;
 
 namespace {
 
-// A segment from one row to the next: straight, or an arc of the circle PL_ArcParam gives.
+struct Point {
+  double x, y;
+};
+
+// A segment from one row to the next, straight or an arc (a bulge outside (-eps, eps) on a chord
+// of eps or more, as the offset takes it).
 struct Piece {
-  double x1, y1, x2, y2;
-  BulgeArc arc;  // arc.ok: the segment is an arc
+  Point a, b;
+  double bulge;
+  bool isArc;
+  Point c;
+  double r;
   SegmentBox box;
+
+  // Whether p, a point of the arc's circle, lies on the arc: on its side of the chord.
+  bool holds(Point p) const {
+    const double side = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
+    return bulge > 0.0 ? side <= 0.0 : side >= 0.0;
+  }
 };
 
 void grow(SegmentBox& box, double x, double y) {
@@ -45,78 +64,144 @@ void grow(SegmentBox& box, double x, double y) {
 }
 
 Piece pieceOf(double eps, const double* from, const double* to) {
-  Piece p{from[0], from[1], to[0], to[1], BulgeArc(), {from[0], from[1], from[0], from[1]}};
-  grow(p.box, p.x2, p.y2);
-  if (!withinOpen(from[2], eps))
-    p.arc = arcOfBulge(eps, p.x1, p.y1, p.x2, p.y2, from[2]);
-  // An arc's box takes the points of its circle due east, north, west and south on its sweep.
-  for (int k = 0; p.arc.ok && k < 4; ++k) {
-    if (ValidAngle(0.0, p.arc.sa, p.arc.ea, k * kHalfPi))
-      grow(p.box, p.arc.cx + p.arc.r * std::cos(k * kHalfPi),
-           p.arc.cy + p.arc.r * std::sin(k * kHalfPi));
+  Piece p{{from[0], from[1]},
+          {to[0], to[1]},
+          from[2],
+          false,
+          {0.0, 0.0},
+          0.0,
+          {from[0], from[1], from[0], from[1]}};
+  grow(p.box, p.b.x, p.b.y);
+  const double dx = p.b.x - p.a.x;
+  const double dy = p.b.y - p.a.y;
+  const double chord = std::sqrt(dx * dx + dy * dy);
+  p.isArc = !withinOpen(p.bulge, eps) && chord >= eps;
+  if (!p.isArc)
+    return p;
+  const double k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);
+  p.c = {(p.a.x + p.b.x) / 2.0 - k * dy, (p.a.y + p.b.y) / 2.0 + k * dx};
+  p.r = chord * (1.0 + p.bulge * p.bulge) / (4.0 * std::fabs(p.bulge));
+  // The box takes the circle's points due east, north, west and south that lie on the arc.
+  const Point extremes[4] = {
+      {p.c.x + p.r, p.c.y}, {p.c.x, p.c.y + p.r}, {p.c.x - p.r, p.c.y}, {p.c.x, p.c.y - p.r}};
+  for (const Point& e : extremes) {
+    if (p.holds(e))
+      grow(p.box, e.x, e.y);
   }
   return p;
 }
 
-// Distance from (px, py) to the piece: its nearest point from DPnearLine or DPnearArc, or, where
-// those have no answer (a line shorter than eps, a point at an arc's centre, a radius below eps),
-// the nearer end, which is then as near as any point.
-double pointDistance(double eps, const Piece& s, double px, double py) {
-  double nx, ny;
-  const bool found = s.arc.ok ? DPnearArc(eps, px, py, s.arc.cx, s.arc.cy, s.arc.r, s.arc.sa,
-                                          s.arc.ea, &nx, &ny) == 1
-                              : DPnearLine(eps, px, py, s.x1, s.y1, s.x2, s.y2, &nx, &ny) == 1;
-  if (found)
-    return std::hypot(px - nx, py - ny);
-  return std::min(std::hypot(px - s.x1, py - s.y1), std::hypot(px - s.x2, py - s.y2));
+double length(double x, double y) {
+  return std::sqrt(x * x + y * y);
 }
 
-// Whether the two pieces share a point.
-bool piecesCross(double eps, const Piece& a, const Piece& b) {
-  double xa, ya, xb, yb;
-  int flag = 0;
-  if (!a.arc.ok && !b.arc.ok)
-    return D2LInts(eps, a.x1, a.y1, a.x2, a.y2, b.x1, b.y1, b.x2, b.y2, &xa, &ya, &flag) == 1 &&
-           flag == 3;
-  if (a.arc.ok && b.arc.ok)
-    return D2ArcInts(eps, a.arc.cx, a.arc.cy, a.arc.r, a.arc.sa, a.arc.ea, b.arc.cx, b.arc.cy,
-                     b.arc.r, b.arc.sa, b.arc.ea, &xa, &ya, &xb, &yb) > 0;
-  const Piece& line = a.arc.ok ? b : a;
-  const BulgeArc& arc = a.arc.ok ? a.arc : b.arc;
-  const int count = DArcLInts(eps, line.x1, line.y1, line.x2, line.y2, arc.cx, arc.cy, arc.r,
-                              arc.sa, arc.ea, &xa, &ya, &xb, &yb, &flag);
-  return (count >= 1 && (flag & 1)) || (count == 2 && (flag & 2));
+// Distance from q to the piece.
+double pointDistance(const Piece& s, Point q) {
+  const double toA = length(q.x - s.a.x, q.y - s.a.y);
+  const double toB = length(q.x - s.b.x, q.y - s.b.y);
+  if (s.isArc) {
+    const double rho = length(q.x - s.c.x, q.y - s.c.y);
+    if (rho == 0.0)
+      return s.r;
+    const Point onCircle{s.c.x + (q.x - s.c.x) * s.r / rho, s.c.y + (q.y - s.c.y) * s.r / rho};
+    return s.holds(onCircle) ? std::fabs(rho - s.r) : std::min(toA, toB);
+  }
+  const double dx = s.b.x - s.a.x;
+  const double dy = s.b.y - s.a.y;
+  const double t = ((q.x - s.a.x) * dx + (q.y - s.a.y) * dy) / (dx * dx + dy * dy);
+  if (!(t > 0.0 && t < 1.0))
+    return std::min(toA, toB);
+  return length(q.x - s.a.x - t * dx, q.y - s.a.y - t * dy);
 }
 
 // The least distance from b of a's candidate points (see the file comment).
-double nearestFrom(double eps, const Piece& a, const Piece& b) {
-  double best = std::min(pointDistance(eps, b, a.x1, a.y1), pointDistance(eps, b, a.x2, a.y2));
-  if (a.arc.ok) {
-    // The direction of b's centre, or the normal of b's line.
-    const double dx = b.arc.ok ? b.arc.cx - a.arc.cx : b.y1 - b.y2;
-    const double dy = b.arc.ok ? b.arc.cy - a.arc.cy : b.x2 - b.x1;
-    if (dx == 0.0 && dy == 0.0)
+double nearestFrom(const Piece& a, const Piece& b) {
+  double best = std::min(pointDistance(b, a.a), pointDistance(b, a.b));
+  if (a.isArc) {
+    // Towards b's centre, or along the normal of b's line.
+    const double dx = b.isArc ? b.c.x - a.c.x : b.a.y - b.b.y;
+    const double dy = b.isArc ? b.c.y - a.c.y : b.b.x - b.a.x;
+    const double len = length(dx, dy);
+    if (!(len > 0.0))
       return best;
-    const double toward = std::atan2(dy, dx);
-    for (const double angle : {toward, toward + kPi}) {
-      if (ValidAngle(0.0, a.arc.sa, a.arc.ea, angle))
-        best = std::min(best, pointDistance(eps, b, a.arc.cx + a.arc.r * std::cos(angle),
-                                            a.arc.cy + a.arc.r * std::sin(angle)));
+    for (const double sign : {1.0, -1.0}) {
+      const Point q{a.c.x + sign * a.r * dx / len, a.c.y + sign * a.r * dy / len};
+      if (a.holds(q))
+        best = std::min(best, pointDistance(b, q));
     }
-  } else if (b.arc.ok) {
-    const double dx = a.x2 - a.x1;
-    const double dy = a.y2 - a.y1;
-    const double t = ((b.arc.cx - a.x1) * dx + (b.arc.cy - a.y1) * dy) / (dx * dx + dy * dy);
+  } else if (b.isArc) {
+    const double dx = a.b.x - a.a.x;
+    const double dy = a.b.y - a.a.y;
+    const double t = ((b.c.x - a.a.x) * dx + (b.c.y - a.a.y) * dy) / (dx * dx + dy * dy);
     if (t > 0.0 && t < 1.0)
-      best = std::min(best, pointDistance(eps, b, a.x1 + t * dx, a.y1 + t * dy));
+      best = std::min(best, pointDistance(b, {a.a.x + t * dx, a.a.y + t * dy}));
   }
   return best;
 }
 
+// Whether two pieces whose boxes overlap share a point.
+bool piecesMeet(double eps, const Piece& a, const Piece& b) {
+  double xa, ya, xb, yb;
+  int flag = 0;
+  if (!a.isArc && !b.isArc)
+    return D2LInts(eps, a.a.x, a.a.y, a.b.x, a.b.y, b.a.x, b.a.y, b.b.x, b.b.y, &xa, &ya, &flag) ==
+               1 &&
+           flag == 3;
+  const BulgeArc arcA = a.isArc ? arcOfBulge(eps, a.a.x, a.a.y, a.b.x, a.b.y, a.bulge) : BulgeArc();
+  const BulgeArc arcB = b.isArc ? arcOfBulge(eps, b.a.x, b.a.y, b.b.x, b.b.y, b.bulge) : BulgeArc();
+  if (a.isArc && b.isArc)
+    return arcA.ok && arcB.ok &&
+           D2ArcInts(eps, arcA.cx, arcA.cy, arcA.r, arcA.sa, arcA.ea, arcB.cx, arcB.cy, arcB.r,
+                     arcB.sa, arcB.ea, &xa, &ya, &xb, &yb) > 0;
+  const Piece& line = a.isArc ? b : a;
+  const BulgeArc& arc = a.isArc ? arcA : arcB;
+  if (!arc.ok)
+    return false;
+  const int count = DArcLInts(eps, line.a.x, line.a.y, line.b.x, line.b.y, arc.cx, arc.cy, arc.r,
+                              arc.sa, arc.ea, &xa, &ya, &xb, &yb, &flag);
+  return (count >= 1 && (flag & 1)) || (count == 2 && (flag & 2));
+}
+
+// The squared gap between two boxes: never more than between what they hold.
+double boxGapSquared(const SegmentBox& p, const SegmentBox& q) {
+  const double gx = std::max({0.0, p.xmin - q.xmax, q.xmin - p.xmax});
+  const double gy = std::max({0.0, p.ymin - q.ymax, q.ymin - p.ymax});
+  return gx * gx + gy * gy;
+}
+
+// A quick lower bound of the distance between r and s from s's line or circle alone: for a line,
+// the nearer end of r when r lies on one side (less `sag`, the most an arc strays from its
+// chord); for a circle, how far r's distances from the centre stay from the radius (a line is
+// farthest at an end and nearest at the foot, an arc within its own circle's reach).
+double quickGap(const Piece& r, const Piece& s, double sag) {
+  if (!s.isArc) {
+    const double dx = s.b.x - s.a.x;
+    const double dy = s.b.y - s.a.y;
+    const double len = length(dx, dy);
+    const double da = ((r.a.x - s.a.x) * dy - (r.a.y - s.a.y) * dx) / len;
+    const double db = ((r.b.x - s.a.x) * dy - (r.b.y - s.a.y) * dx) / len;
+    return da * db > 0.0 ? std::min(std::fabs(da), std::fabs(db)) - sag : 0.0;
+  }
+  double near, far;
+  if (r.isArc) {
+    const double apart = length(r.c.x - s.c.x, r.c.y - s.c.y);
+    near = apart - r.r;
+    far = apart + r.r;
+  } else {
+    far = std::max(length(r.a.x - s.c.x, r.a.y - s.c.y), length(r.b.x - s.c.x, r.b.y - s.c.y));
+    const double dx = r.b.x - r.a.x;
+    const double dy = r.b.y - r.a.y;
+    const double t =
+        std::clamp(((s.c.x - r.a.x) * dx + (s.c.y - r.a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+    near = length(r.a.x + t * dx - s.c.x, r.a.y + t * dy - s.c.y);
+  }
+  return std::max({0.0, near - s.r, s.r - far});
+}
+
 double pieceDistance(double eps, const Piece& a, const Piece& b) {
-  if (piecesCross(eps, a, b))
+  if (boxGapSquared(a.box, b.box) == 0.0 && piecesMeet(eps, a, b))
     return 0.0;
-  return std::min(nearestFrom(eps, a, b), nearestFrom(eps, b, a));
+  return std::min(nearestFrom(a, b), nearestFrom(b, a));
 }
 
 }  // namespace
@@ -148,23 +233,33 @@ bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*so
   SegmentIndex index;
   index.build(sourceSegments, [&](int s) { return pieces[static_cast<size_t>(s)].box; });
 
-  // Every source segment within d + eps of a result segment (by their boxes) is measured.
-  const double reach = d + eps + 1e-9 * (1.0 + d);
-  double nearest = std::numeric_limits<double>::infinity();
+  // Every pair that may come nearer than d - eps is measured; pairs within d + eps only until
+  // one has shown that the result reaches d.
+  const double low = d - eps;
+  double reach = d + eps;
+  bool reached = false;
   const int segments = closed ? n : n - 1;
   for (int k = 0; k < segments; ++k) {
     const Piece r = pieceOf(eps, v[k], v[(k + 1) % n]);
-    const SegmentBox query{r.box.xmin - reach, r.box.ymin - reach, r.box.xmax + reach,
-                           r.box.ymax + reach};
-    const bool tooNear = index.visitBelowDescending(sourceSegments, query, [&](int s) {
-      const double gap = pieceDistance(eps, r, pieces[static_cast<size_t>(s)]);
-      nearest = std::min(nearest, gap);
-      return !(gap >= d - eps);
-    });
-    if (tooNear)
+    const double sag = r.isArc ? std::fabs(r.bulge) * length(r.b.x - r.a.x, r.b.y - r.a.y) : 0.0;
+    const auto near = [&](const SegmentBox& box) {
+      return boxGapSquared(r.box, box) <= reach * reach;
+    };
+    const auto tooNear = [&](int s) {
+      const Piece& p = pieces[static_cast<size_t>(s)];
+      if (quickGap(r, p, sag) > reach)
+        return false;
+      const double gap = pieceDistance(eps, r, p);
+      if (!reached && gap <= d + eps) {
+        reached = true;
+        reach = low;
+      }
+      return !(gap >= low);
+    };
+    if (index.visitWhere(near, tooNear))
       return false;
   }
-  return nearest <= d + eps;
+  return reached;
 }
 
 }  // namespace tarnsysm::detail
