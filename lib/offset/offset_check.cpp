@@ -48,6 +48,8 @@ struct Piece {
   Point c;
   double r;
   SegmentBox box;
+  double nx, ny, off;  // the chord's line: signed distance nx x + ny y + off
+  double sag;          // no point of the piece lies farther than this from its chord
 
   // Whether p, a point of the arc's circle, lies on the arc: on its side of the chord.
   bool holds(Point p) const {
@@ -70,14 +72,26 @@ Piece pieceOf(double eps, const double* from, const double* to) {
           false,
           {0.0, 0.0},
           0.0,
-          {from[0], from[1], from[0], from[1]}};
+          {from[0], from[1], from[0], from[1]},
+          0.0,
+          0.0,
+          0.0,
+          0.0};
   grow(p.box, p.b.x, p.b.y);
   const double dx = p.b.x - p.a.x;
   const double dy = p.b.y - p.a.y;
   const double chord = std::sqrt(dx * dx + dy * dy);
+  if (chord > 0.0) {
+    p.nx = dy / chord;
+    p.ny = -dx / chord;
+    p.off = -(p.nx * p.a.x + p.ny * p.a.y);
+  }
   p.isArc = !withinOpen(p.bulge, eps) && chord >= eps;
   if (!p.isArc)
     return p;
+  // The sagitta is chord |b| / 2; an arc of more than a half turn strays up to its diameter,
+  // chord (1 + b^2) / (2 |b|), which |b| chord exceeds for |b| > 1.
+  p.sag = std::fabs(p.bulge) * chord;
   const double k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);
   p.c = {(p.a.x + p.b.x) / 2.0 - k * dy, (p.a.y + p.b.y) / 2.0 + k * dx};
   p.r = chord * (1.0 + p.bulge * p.bulge) / (4.0 * std::fabs(p.bulge));
@@ -97,21 +111,23 @@ double length(double x, double y) {
 
 // Distance from q to the piece.
 double pointDistance(const Piece& s, Point q) {
-  const double toA = length(q.x - s.a.x, q.y - s.a.y);
-  const double toB = length(q.x - s.b.x, q.y - s.b.y);
+  const auto nearerEnd = [&] {
+    return std::min(length(q.x - s.a.x, q.y - s.a.y), length(q.x - s.b.x, q.y - s.b.y));
+  };
   if (s.isArc) {
     const double rho = length(q.x - s.c.x, q.y - s.c.y);
     if (rho == 0.0)
       return s.r;
     const Point onCircle{s.c.x + (q.x - s.c.x) * s.r / rho, s.c.y + (q.y - s.c.y) * s.r / rho};
-    return s.holds(onCircle) ? std::fabs(rho - s.r) : std::min(toA, toB);
+    return s.holds(onCircle) ? std::fabs(rho - s.r) : nearerEnd();
   }
+  // The line's own distance where the foot lies within it.
   const double dx = s.b.x - s.a.x;
   const double dy = s.b.y - s.a.y;
   const double t = ((q.x - s.a.x) * dx + (q.y - s.a.y) * dy) / (dx * dx + dy * dy);
   if (!(t > 0.0 && t < 1.0))
-    return std::min(toA, toB);
-  return length(q.x - s.a.x - t * dx, q.y - s.a.y - t * dy);
+    return nearerEnd();
+  return std::fabs(s.nx * q.x + s.ny * q.y + s.off);
 }
 
 // The least distance from b of a's candidate points (see the file comment).
@@ -169,33 +185,38 @@ double boxGapSquared(const SegmentBox& p, const SegmentBox& q) {
   return gx * gx + gy * gy;
 }
 
-// A quick lower bound of the distance between r and s from s's line or circle alone: for a line,
-// the nearer end of r when r lies on one side (less `sag`, the most an arc strays from its
-// chord); for a circle, how far r's distances from the centre stay from the radius (a line is
-// farthest at an end and nearest at the foot, an arc within its own circle's reach).
-double quickGap(const Piece& r, const Piece& s, double sag) {
+// Whether r certainly lies farther than `reach` from s, told from s's line or circle alone: r
+// on one side of s's line, its nearer end farther than reach (less the most an arc strays from
+// its chord); or r's distances from s's centre all farther than reach from the radius (a line is
+// farthest from a point at an end and nearest at the foot, an arc within its own circle's reach).
+// Squared lengths spare the roots.
+bool plainlyApart(const Piece& r, const Piece& s, double reach) {
   if (!s.isArc) {
-    const double dx = s.b.x - s.a.x;
-    const double dy = s.b.y - s.a.y;
-    const double len = length(dx, dy);
-    const double da = ((r.a.x - s.a.x) * dy - (r.a.y - s.a.y) * dx) / len;
-    const double db = ((r.b.x - s.a.x) * dy - (r.b.y - s.a.y) * dx) / len;
-    return da * db > 0.0 ? std::min(std::fabs(da), std::fabs(db)) - sag : 0.0;
+    const double da = s.nx * r.a.x + s.ny * r.a.y + s.off;
+    const double db = s.nx * r.b.x + s.ny * r.b.y + s.off;
+    return da * db > 0.0 && std::min(std::fabs(da), std::fabs(db)) - r.sag > reach;
   }
-  double near, far;
+  const auto squared = [&](double x, double y) {
+    return (x - s.c.x) * (x - s.c.x) + (y - s.c.y) * (y - s.c.y);
+  };
+  double near2, far2;
   if (r.isArc) {
-    const double apart = length(r.c.x - s.c.x, r.c.y - s.c.y);
-    near = apart - r.r;
-    far = apart + r.r;
+    // An arc's distances from the centre lie between |apart - r| and apart + r.
+    const double apart = std::sqrt(squared(r.c.x, r.c.y));
+    near2 = (apart - r.r) * (apart - r.r);
+    far2 = (apart + r.r) * (apart + r.r);
   } else {
-    far = std::max(length(r.a.x - s.c.x, r.a.y - s.c.y), length(r.b.x - s.c.x, r.b.y - s.c.y));
+    far2 = std::max(squared(r.a.x, r.a.y), squared(r.b.x, r.b.y));
     const double dx = r.b.x - r.a.x;
     const double dy = r.b.y - r.a.y;
     const double t =
         std::clamp(((s.c.x - r.a.x) * dx + (s.c.y - r.a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
-    near = length(r.a.x + t * dx - s.c.x, r.a.y + t * dy - s.c.y);
+    near2 = squared(r.a.x + t * dx, r.a.y + t * dy);
   }
-  return std::max({0.0, near - s.r, s.r - far});
+  // Outside: nearest distance from the centre beyond r + reach; inside: farthest within r - reach.
+  const double out = s.r + reach;
+  const double in = s.r - reach;
+  return near2 > out * out || (in > 0.0 && far2 < in * in);
 }
 
 double pieceDistance(double eps, const Piece& a, const Piece& b) {
@@ -241,13 +262,12 @@ bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*so
   const int segments = closed ? n : n - 1;
   for (int k = 0; k < segments; ++k) {
     const Piece r = pieceOf(eps, v[k], v[(k + 1) % n]);
-    const double sag = r.isArc ? std::fabs(r.bulge) * length(r.b.x - r.a.x, r.b.y - r.a.y) : 0.0;
     const auto near = [&](const SegmentBox& box) {
       return boxGapSquared(r.box, box) <= reach * reach;
     };
     const auto tooNear = [&](int s) {
       const Piece& p = pieces[static_cast<size_t>(s)];
-      if (quickGap(r, p, sag) > reach)
+      if (plainlyApart(r, p, reach))
         return false;
       const double gap = pieceDistance(eps, r, p);
       if (!reached && gap <= d + eps) {
