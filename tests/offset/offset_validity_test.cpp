@@ -46,6 +46,8 @@ std::string offsetVerdict(const Rows& src, bool closed, double px, double py, do
   int flag = closed;
   double pick[2] = {px, py};
   *count = PLineOffset(kEps, &flag, pl.count(), pl.rows(), 0, pick, d);
+  EXPECT_TRUE((*count == 0 || (*count >= 2 && *count <= 2 * pl.count())) &&
+              (flag == 0 || flag == 1));
   const int side = sideOf(src, closed, px, py, kTol);
   if (*count == 0 || side == 0)
     return "";
