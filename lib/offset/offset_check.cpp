@@ -49,7 +49,6 @@ struct Piece {
   double r;
   SegmentBox box;
   double nx, ny, off;  // the chord's line: signed distance nx x + ny y + off
-  double sag;          // no point of the piece lies farther than this from its chord
 
   // Whether p, a point of the arc's circle, lies on the arc: on its side of the chord.
   bool holds(Point p) const {
@@ -66,17 +65,11 @@ void grow(SegmentBox& box, double x, double y) {
 }
 
 Piece pieceOf(double eps, const double* from, const double* to) {
-  Piece p{{from[0], from[1]},
-          {to[0], to[1]},
-          from[2],
-          false,
-          {0.0, 0.0},
-          0.0,
-          {from[0], from[1], from[0], from[1]},
-          0.0,
-          0.0,
-          0.0,
-          0.0};
+  Piece p{};
+  p.a = {from[0], from[1]};
+  p.b = {to[0], to[1]};
+  p.bulge = from[2];
+  p.box = {from[0], from[1], from[0], from[1]};
   grow(p.box, p.b.x, p.b.y);
   const double dx = p.b.x - p.a.x;
   const double dy = p.b.y - p.a.y;
@@ -89,9 +82,6 @@ Piece pieceOf(double eps, const double* from, const double* to) {
   p.isArc = !withinOpen(p.bulge, eps) && chord >= eps;
   if (!p.isArc)
     return p;
-  // The sagitta is chord |b| / 2; an arc of more than a half turn strays up to its diameter,
-  // chord (1 + b^2) / (2 |b|), which |b| chord exceeds for |b| > 1.
-  p.sag = std::fabs(p.bulge) * chord;
   const double k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);
   p.c = {(p.a.x + p.b.x) / 2.0 - k * dy, (p.a.y + p.b.y) / 2.0 + k * dx};
   p.r = chord * (1.0 + p.bulge * p.bulge) / (4.0 * std::fabs(p.bulge));
@@ -185,23 +175,35 @@ double boxGapSquared(const SegmentBox& p, const SegmentBox& q) {
   return gx * gx + gy * gy;
 }
 
-// Whether r certainly lies farther than `reach` from s, told from s's line or circle alone: r
-// on one side of s's line, its nearer end farther than reach (less the most an arc strays from
-// its chord); or r's distances from s's centre all farther than reach from the radius (a line is
-// farthest from a point at an end and nearest at the foot, an arc within its own circle's reach).
-// Squared lengths spare the roots.
+// The least distance of piece o from the whole line through piece `line` (straight) when o lies
+// on one side of it, else 0 or less: the nearer end, or, where the point of an arc's circle
+// facing the line lies on the arc, that point.
+double lineGap(const Piece& line, const Piece& o) {
+  const double da = line.nx * o.a.x + line.ny * o.a.y + line.off;
+  const double db = line.nx * o.b.x + line.ny * o.b.y + line.off;
+  if (!(da * db > 0.0))
+    return 0.0;
+  const double toward = da > 0.0 ? -1.0 : 1.0;  // along the normal, towards the line
+  if (o.isArc && o.holds({o.c.x + toward * o.r * line.nx, o.c.y + toward * o.r * line.ny}))
+    return -toward * (line.nx * o.c.x + line.ny * o.c.y + line.off) - o.r;
+  return std::min(std::fabs(da), std::fabs(db));
+}
+
+// Whether r certainly lies farther than `reach` from s, told cheaply: from the line of either
+// when it is straight (a segment is no nearer than its line), or from s's circle when s is an
+// arc: r's distances from the centre all farther than reach from the radius (a line is farthest
+// from a point at an end and nearest at its foot; an arc's distances lie between |apart - r| and
+// apart + r). Squared lengths spare roots.
 bool plainlyApart(const Piece& r, const Piece& s, double reach) {
-  if (!s.isArc) {
-    const double da = s.nx * r.a.x + s.ny * r.a.y + s.off;
-    const double db = s.nx * r.b.x + s.ny * r.b.y + s.off;
-    return da * db > 0.0 && std::min(std::fabs(da), std::fabs(db)) - r.sag > reach;
-  }
+  if ((!s.isArc && lineGap(s, r) > reach) || (!r.isArc && lineGap(r, s) > reach))
+    return true;
+  if (!s.isArc)
+    return false;
   const auto squared = [&](double x, double y) {
     return (x - s.c.x) * (x - s.c.x) + (y - s.c.y) * (y - s.c.y);
   };
   double near2, far2;
   if (r.isArc) {
-    // An arc's distances from the centre lie between |apart - r| and apart + r.
     const double apart = std::sqrt(squared(r.c.x, r.c.y));
     near2 = (apart - r.r) * (apart - r.r);
     far2 = (apart + r.r) * (apart + r.r);
@@ -213,7 +215,6 @@ bool plainlyApart(const Piece& r, const Piece& s, double reach) {
         std::clamp(((s.c.x - r.a.x) * dx + (s.c.y - r.a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
     near2 = squared(r.a.x + t * dx, r.a.y + t * dy);
   }
-  // Outside: nearest distance from the centre beyond r + reach; inside: farthest within r - reach.
   const double out = s.r + reach;
   const double in = s.r - reach;
   return near2 > out * out || (in > 0.0 && far2 < in * in);
