@@ -4,6 +4,9 @@ list(APPEND TARNSYSM_SOURCES
   offset/measures.cpp
   offset/joins.cpp)
 list(APPEND TARNSYSM_SOURCES
+  offset/distance.cpp
   offset/driver.cpp
+  offset/offset_check.cpp
   offset/segment_index.cpp
-  offset/trim.cpp)
+  offset/trim.cpp
+  offset/trim_segments.cpp)
