@@ -446,6 +446,67 @@ PYBIND11_MODULE(tarnsysm, m) {
       "(p1, p2, bulge) of the arc swept counter-clockwise from the angle start to end: the "
       "reverse of arc_from_bulge. clockwise=True travels it from end to start (negative bulge).");
 
+  m.def(
+      "circle_through",
+      [](Point a, Point b, std::optional<Point> c, double eps) -> py::object {
+        double cx = 0.0, cy = 0.0, r = 0.0;
+        const int ok =
+            c ? DGetPPPCircle(eps, a[0], a[1], b[0], b[1], (*c)[0], (*c)[1], &cx, &cy, &r)
+              : DGetPPCircle(eps, a[0], a[1], b[0], b[1], &cx, &cy, &r);
+        if (!ok)
+          return py::none();
+        return py::make_tuple(tup({cx, cy}), r);
+      },
+      "p1"_a, "p2"_a, "p3"_a = py::none(), py::kw_only(), "eps"_a = kDefaultEps,
+      "(centre, radius) of the circle through three points, or with p1-p2 as its diameter when "
+      "p3 is not given. None for coincident points (within eps) or three collinear ones.");
+
+  m.def(
+      "fit_circle",
+      [](py::array_t<double, py::array::c_style | py::array::forcecast> pts,
+         double eps) -> py::object {
+        if (pts.ndim() != 2 || pts.shape(1) != 2 || pts.shape(0) > INT_MAX)
+          throw py::value_error("points are an array of shape (n, 2)");
+        double cx = 0.0, cy = 0.0, r = 0.0, rms = 0.0;
+        if (!DGetNPCircle(eps, static_cast<int>(pts.shape(0)),
+                          reinterpret_cast<const double(*)[2]>(pts.data()), &cx, &cy, &r, &rms))
+          return py::none();
+        return py::make_tuple(tup({cx, cy}), r, rms);
+      },
+      "points"_a, py::kw_only(), "eps"_a = kDefaultEps,
+      "(centre, radius, rms) of the geometric least-squares circle of the points (n, 2): rms is "
+      "the root mean square of their distances from it. None for fewer than three points, "
+      "non-finite ones, or points within eps of a line.");
+
+  m.def(
+      "common_tangents",
+      [](Point c1, double r1, Point c2, double r2, double eps) {
+        double pts[8][2];
+        int count = 0;
+        const int lines = DTangLof2Cir(eps, c1[0], c1[1], r1, c2[0], c2[1], r2, pts, &count);
+        py::tuple t(static_cast<std::size_t>(lines));
+        for (int i = 0; i < lines; ++i)
+          t[static_cast<std::size_t>(i)] = py::make_tuple(
+              tup({pts[2 * i][0], pts[2 * i][1]}), tup({pts[2 * i + 1][0], pts[2 * i + 1][1]}));
+        return t;
+      },
+      "centre1"_a, "radius1"_a, "centre2"_a, "radius2"_a, py::kw_only(), "eps"_a = kDefaultEps,
+      "The common tangents of two circles as (point on circle 1, point on circle 2) pairs: the "
+      "two outer ones, then for circles apart by more than eps the two inner ones. Empty when "
+      "one circle lies within the other.");
+
+  m.def(
+      "tangent_points",
+      [](Point c, double r, Point p, double eps) {
+        Point a{}, b{};
+        return points(DLthrPtangC(eps, c[0], c[1], r, p[0], p[1], &a[0], &a[1], &b[0], &b[1]), a,
+                      b);
+      },
+      "centre"_a, "radius"_a, "point"_a, py::kw_only(), "eps"_a = kDefaultEps,
+      "Where the tangents from the point touch the circle, the one right of the way from the "
+      "point to the centre first; for a point on the circle (within eps), a second point of its "
+      "tangent there; empty for a point inside.");
+
   defineEllipse(m);
 
   m.def("clip_polygon", &clipPolygon, "points"_a, "rect"_a,

@@ -91,3 +91,19 @@ def test_ellipse_nearest_and_line():
     upper = tarnsysm.Ellipse((0, 0), 2, 1, start=0, end=math.pi)
     close(upper.intersect_line((0, -5), (0, 5)), [(0, 1)])
     assert tarnsysm.Ellipse((0, 0), -1, 1).nearest((3, 0)) is None
+
+
+def test_circles_and_tangents():
+    close(tarnsysm.circle_through((1, 0), (0, 1), (-1, 0)), [(0, 0), 1])
+    close(tarnsysm.circle_through((0, 0), (4, 0)), [(2, 0), 2])
+    assert tarnsysm.circle_through((0, 0), (1, 1), (2, 2)) is None
+    ring = [(3 + 2 * math.cos(a), -1 + 2 * math.sin(a)) for a in (0.1, 0.3, 0.5, 0.7)]
+    close(tarnsysm.fit_circle(ring), [(3, -1), 2, 0], tol=1e-8)
+    # Equal circles side by side: outer tangents along y = +-1, inner ones cross at the middle.
+    lines = tarnsysm.common_tangents((0, 0), 1, (4, 0), 1)
+    assert len(lines) == 4
+    assert sorted(round(p[1], 9) for p, q in lines[:2]) == [-1, 1]
+    for p, q in lines:
+        assert math.dist(p, (0, 0)) == pytest.approx(1) and math.dist(q, (4, 0)) == pytest.approx(1)
+    # From (2, 0) to the unit circle: tangency points at 60 degrees, right of the way first.
+    close(tarnsysm.tangent_points((0, 0), 1, (2, 0)), [(0.5, H), (0.5, -H)])
