@@ -9,4 +9,6 @@ list(APPEND TARNSYSM_SOURCES
   offset/trim.cpp)
 # The round-corner offset: raw offset, slicing, stitching.
 list(APPEND TARNSYSM_SOURCES
+  offset/round_raw.cpp
+  offset/round_slice.cpp
   offset/round_stitch.cpp)
