@@ -111,7 +111,8 @@ struct SlicedOffset {
 void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double d, double tol,
                     SlicedOffset& out);
 
-/// The fragments of piece indices a slice runs over: calls visit(piece, ta, tb) in order.
+/// The parts of raw pieces a slice runs over, in order: calls visit(piece, ta, tb) for each
+/// part of positive length.
 template <class Visit>
 void forEachFragment(const SlicedOffset& s, const Slice& slice, int pieceCount, bool closed,
                      Visit&& visit) {
@@ -122,12 +123,13 @@ void forEachFragment(const SlicedOffset& s, const Slice& slice, int pieceCount, 
     visit(a.piece, a.t, b.t);
     return;
   }
-  visit(a.piece, a.t, 1.0);
-  int p = a.piece + 1;
+  if (a.t < 1.0)
+    visit(a.piece, a.t, 1.0);
   const int last = b.piece + (wraps && closed ? pieceCount : 0);
-  for (; p < last; ++p)
+  for (int p = a.piece + 1; p < last; ++p)
     visit(p % pieceCount, 0.0, 1.0);
-  visit(b.piece, 0.0, b.t);
+  if (b.t > 0.0)
+    visit(b.piece, 0.0, b.t);
 }
 
 }  // namespace tarnsysm::detail

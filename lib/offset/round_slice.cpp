@@ -76,6 +76,8 @@ int meetLines(const Piece& a, const Piece& b, double tol, double (*pts)[2]) {
   const double lenA = std::hypot(ux, uy), lenB = std::hypot(vx, vy);
   const double den = cross(ux, uy, vx, vy);
   int count = 0;
+  if (!(lenA > 0.0 && lenB > 0.0))
+    return 0;
   // Parallel within round-off: collinear pieces overlap at their ends, others never meet.
   if (std::fabs(den) <= 1e-14 * lenA * lenB) {
     if (std::fabs(cross(ux, uy, wx, wy)) <= tol * lenA)
@@ -130,31 +132,31 @@ int meetLineArc(const Piece& line, const Piece& arc, double tol, double (*pts)[2
   return count;
 }
 
-// Two arc pieces. With the centre distance c and a = (c^2 + r1^2 - r2^2)/(2c) the distance from
-// the first centre to the common chord, the circles meet at a along the centre line, +- the
-// half chord sqrt(r1^2 - a^2) across it; once where that is within tol or the circles touch.
-int meetArcs(const Piece& a, const Piece& b, double tol, double (*pts)[2]) {
+// Two arc pieces, a the one of smaller radius. With the centre distance c and
+// m = (c^2 - rb^2 + ra^2)/(2c) the distance from a's centre to the common chord (c^2 - rb^2
+// taken as (c - rb)(c + rb): a large circle touching a small one would lose the chord to
+// cancellation otherwise), the circles meet at m along the centre line, +- the half chord
+// sqrt(ra^2 - m^2) across it; once where that is within tol or the circles touch.
+int meetArcs(const Piece& first, const Piece& second, double tol, double (*pts)[2]) {
+  const Piece& a = first.r <= second.r ? first : second;
+  const Piece& b = first.r <= second.r ? second : first;
   const double dx = b.cx - a.cx, dy = b.cy - a.cy;
   const double c = std::hypot(dx, dy);
   int count = 0;
   if (c <= tol) {
-    if (std::fabs(a.r - b.r) <= tol)
+    if (b.r - a.r <= tol)
       overlapEnds(a, b, tol, pts, count);
     return count;
   }
-  if (c > a.r + b.r + tol || c < std::fabs(a.r - b.r) - tol)
+  if (c > a.r + b.r + tol || c < b.r - a.r - tol)
     return 0;
   const double ux = dx / c, uy = dy / c;
-  const double along = std::clamp((c * c + a.r * a.r - b.r * b.r) / (2.0 * c), -a.r, a.r);
-  const double half2 = (a.r - along) * (a.r + along);
+  const double m = std::clamp(((c - b.r) * (c + b.r) + a.r * a.r) / (2.0 * c), -a.r, a.r);
+  const double half2 = (a.r - m) * (a.r + m);
   const double half = half2 > 0.0 ? std::sqrt(half2) : 0.0;
-  const double mx = a.cx + along * ux, my = a.cy + along * uy;
+  const double mx = a.cx + m * ux, my = a.cy + m * uy;
   double cand[2][2] = {{mx - half * uy, my + half * ux}, {mx + half * uy, my - half * ux}};
   const int candCount = half <= tol ? 1 : 2;
-  if (candCount == 1) {
-    cand[0][0] = mx;
-    cand[0][1] = my;
-  }
   for (int i = 0; i < candCount; ++i)
     if (nearArc(a, cand[i][0], cand[i][1], tol) && nearArc(b, cand[i][0], cand[i][1], tol))
       addPoint(cand[i][0], cand[i][1], tol, pts, count);
