@@ -322,22 +322,28 @@ bool sliceKeepsAway(const RoundInput& in, const std::vector<Piece>& raw,
                     double lim, bool measureAll, const std::vector<PieceBox>& segBoxes,
                     std::vector<Piece>& frags, std::vector<PieceBox>& boxes,
                     std::vector<int>& nearScratch) {
-  frags.clear();
   const int count = static_cast<int>(raw.size());
-  forEachFragment(s, slice, count, in.closed, [&](int p, double ta, double tb) {
+  const auto fragment = [&](int p, double ta, double tb) {
     const Piece& piece = raw[static_cast<size_t>(p)];
     double xa, ya, xb, yb;
     pointOnPiece(piece, ta, &xa, &ya);
     pointOnPiece(piece, tb, &xb, &yb);
-    frags.push_back(subPiece(piece, ta, tb, xa, ya, xb, yb));
-  });
+    return subPiece(piece, ta, tb, xa, ya, xb, yb);
+  };
   const auto nearer = [&](const Piece& f, auto&& test) {
     return inputIndex.visit(static_cast<int>(in.segs.size()), pieceBox(f, 0.0), lim, [&](int e) {
       return !(f.kind == PieceKind::kMoved && e == f.src) && test(in.segs[static_cast<size_t>(e)]);
     });
   };
   // The middle point first: a dropped slice usually shows it there at once.
-  const Piece& mid = frags[frags.size() / 2];
+  int fragCount = 0;
+  forEachFragment(s, slice, count, in.closed, [&](int, double, double) { ++fragCount; });
+  Piece mid;
+  int k = 0;
+  forEachFragment(s, slice, count, in.closed, [&](int p, double ta, double tb) {
+    if (k++ == fragCount / 2)
+      mid = fragment(p, ta, tb);
+  });
   double mx, my;
   pointOnPiece(mid, 0.5, &mx, &my);
   Piece point = mid;
@@ -348,6 +354,9 @@ bool sliceKeepsAway(const RoundInput& in, const std::vector<Piece>& raw,
     return false;
   if (!measureAll)
     return true;
+  frags.clear();
+  forEachFragment(s, slice, count, in.closed,
+                  [&](int p, double ta, double tb) { frags.push_back(fragment(p, ta, tb)); });
   // Then every fragment, a run of them at a time: one walk of the tree finds the segments near
   // the run's box, and each fragment is measured against those whose boxes come near its own.
   constexpr size_t kRun = 16;
