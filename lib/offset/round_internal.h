@@ -154,12 +154,14 @@ bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, d
 /// the ends of their overlap. Returns the count.
 int meetPoints(const Piece& a, const Piece& b, double tol, double (*pts)[2]);
 
-/// A cut of the raw curve: piece and parameter, the node it belongs to, and the point.
+/// A cut of the raw curve: piece and parameter, the node it belongs to, the point, and the
+/// piece that crosses there (-1 at an end of an open chain or the circle about an input end).
 struct Cut {
   int piece;
   double t;
   int node;
   double x, y;
+  int other;
 };
 
 /// A run of the raw curve between two consecutive cuts (indices into the sorted cuts).

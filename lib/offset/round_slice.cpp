@@ -253,8 +253,8 @@ void selfCuts(const RoundInput& in, const std::vector<Piece>& raw, double tol,
       if ((afterQ && length(x - p.x0, y - p.y0) <= tol) ||
           (beforeQ && length(x - q.x0, y - q.y0) <= tol))
         continue;
-      cuts.push_back({i, std::clamp(parameterOnPiece(p, x, y), 0.0, 1.0), nodes, x, y});
-      cuts.push_back({j, std::clamp(parameterOnPiece(q, x, y), 0.0, 1.0), nodes, x, y});
+      cuts.push_back({i, std::clamp(parameterOnPiece(p, x, y), 0.0, 1.0), nodes, x, y, j});
+      cuts.push_back({j, std::clamp(parameterOnPiece(q, x, y), 0.0, 1.0), nodes, x, y, i});
       ++nodes;
     }
     return false;
@@ -286,13 +286,13 @@ void endCuts(const RoundInput& in, const std::vector<Piece>& raw, double ad, dou
         if (j == own && length(pts[k][0] - ox, pts[k][1] - oy) <= tol)
           continue;
         const double t = parameterOnPiece(raw[static_cast<size_t>(j)], pts[k][0], pts[k][1]);
-        cuts.push_back({j, std::clamp(t, 0.0, 1.0), nodes++, pts[k][0], pts[k][1]});
+        cuts.push_back({j, std::clamp(t, 0.0, 1.0), nodes++, pts[k][0], pts[k][1], -1});
       }
       return false;
     });
   }
-  cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0});
-  cuts.push_back({count - 1, 1.0, nodes++, raw.back().x1, raw.back().y1});
+  cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0, -1});
+  cuts.push_back({count - 1, 1.0, nodes++, raw.back().x1, raw.back().y1, -1});
 }
 
 // Whether the closed input meets itself anywhere but at the rows its neighbouring segments share.
@@ -350,6 +350,22 @@ bool sliceKeepsAway(const RoundInput& in, const std::vector<Piece>& raw,
   point.r = 0.0;
   point.x0 = point.x1 = mx;
   point.y0 = point.y1 = my;
+  // Where the slice enters or leaves the band of another segment, the piece crossing there was
+  // made from that segment (or from a corner at one of its ends): asking those first settles
+  // most dropped slices without a search.
+  const int segCount = static_cast<int>(in.segs.size());
+  for (int c : {slice.from, slice.to}) {
+    const int other = s.cuts[static_cast<size_t>(c)].other;
+    if (other < 0)
+      continue;
+    const int src = raw[static_cast<size_t>(other)].src;
+    for (int e : {src, src - 1, src + 1}) {
+      const int seg = in.closed ? (e + segCount) % segCount : e;
+      if (seg >= 0 && seg < segCount && !(mid.kind == PieceKind::kMoved && seg == mid.src) &&
+          distanceToPiece(in.segs[static_cast<size_t>(seg)], mx, my) < lim)
+        return false;
+    }
+  }
   if (nearer(point, [&](const Piece& e) { return distanceToPiece(e, mx, my) < lim; }))
     return false;
   if (!measureAll)
@@ -415,7 +431,7 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
   if (!in.closed)
     endCuts(in, raw, ad, tol, index, cuts, nodes);
   else if (cuts.empty())
-    cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0});
+    cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0, -1});
   std::stable_sort(cuts.begin(), cuts.end(), [](const Cut& a, const Cut& b) {
     return a.piece < b.piece || (a.piece == b.piece && a.t < b.t);
   });
