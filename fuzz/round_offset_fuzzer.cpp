@@ -1,0 +1,270 @@
+// Tarnsysm: planar computational geometry for 2D drafting.
+// Fuzz target for the round-corner offset (PLineOffsetRound, PLineOffsetRoundPick).
+//
+// Input layout (missing bytes read as 0):
+//   byte 0   row count: n = byte % 66 - 1, so -1 .. 64
+//   byte 1   flags: bit 0 closed, bit 1 the pick form, bit 2 through the pick point, bits 3-5
+//            the tolerance (an entry of kTolerances; 7 reads it as a value)
+//   values   [eps], dist, pick x, pick y, then x, y, bulge for each row.
+// A value starts with a tag byte t: t < 0x80 takes one more byte and gives a multiple of 1/64 in
+// [-256, 256) (so collinear, coincident and tangent cases are common); 0x80 <= t < 0xC0 picks
+// one of kSpecialValues; t >= 0xC0 takes the next 8 bytes as a raw double.
+//
+// Properties, each aborting with a message when broken: every call returns within a second
+// (scaled for sanitized and unoptimised builds); the room query and the call agree; nothing is
+// written past the exact room asked for (sentinels, poisoned under AddressSanitizer); loops
+// start at 0, rise, hold two rows or more and are closed for a closed input; rows carry the
+// caller's attributes (-1.0 in field 3 on inserted rows); and where the input is of moderate
+// size and does not cross itself, every loop is an offset of it by the distance (the checker
+// the tests use, with the tolerance the call was given).
+#include <Tarnsysm.h>
+
+#include "../tests/offset/offset_validity.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TARNSYSM_FUZZ_ASAN 1
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define TARNSYSM_FUZZ_ASAN 1
+#endif
+#if defined(TARNSYSM_FUZZ_ASAN)
+#include <sanitizer/asan_interface.h>
+#define POISON(p, bytes) ASAN_POISON_MEMORY_REGION(p, bytes)
+#define UNPOISON(p, bytes) ASAN_UNPOISON_MEMORY_REGION(p, bytes)
+constexpr int kSanitizerSlowdown = 10;
+#else
+#define POISON(p, bytes) (void)(p)
+#define UNPOISON(p, bytes) (void)(p)
+constexpr int kSanitizerSlowdown = 1;
+#endif
+#if defined(NDEBUG)
+constexpr int kDebugSlowdown = 1;
+#else
+constexpr int kDebugSlowdown = 3;
+#endif
+
+namespace {
+
+constexpr int kMaxRows = 64;
+constexpr int kGuard = 8;  // doubles of sentinel after each buffer
+constexpr auto kCallLimit = std::chrono::seconds(1) * kSanitizerSlowdown * kDebugSlowdown;
+constexpr double kAttr3Base = 1000.0, kAttr4Base = 2000.0;
+constexpr double kSentinel = -7.25e77;
+constexpr double kTolerances[7] = {1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1};
+const double kSpecialValues[] = {std::numeric_limits<double>::quiet_NaN(),
+                                 std::numeric_limits<double>::infinity(),
+                                 -std::numeric_limits<double>::infinity(),
+                                 std::numeric_limits<double>::max(),
+                                 std::numeric_limits<double>::denorm_min(),
+                                 1e300,
+                                 1e150,
+                                 -1e6,
+                                 -0.0,
+                                 1e-9,
+                                 5e-10,
+                                 1e-15,
+                                 1.0,
+                                 -1.0,
+                                 0.5,
+                                 100.0};
+
+class ByteReader {
+ public:
+  ByteReader(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
+  std::uint8_t byte() {
+    if (left_ == 0)
+      return 0;
+    --left_;
+    return *data_++;
+  }
+  double value() {
+    const std::uint8_t tag = byte();
+    if (tag < 0x80)
+      return ((tag << 8 | byte()) - 0x4000) / 64.0;
+    if (tag < 0xC0)
+      return kSpecialValues[(tag - 0x80u) % (sizeof kSpecialValues / sizeof(double))];
+    std::uint8_t raw[sizeof(double)];
+    for (std::uint8_t& b : raw)
+      b = byte();
+    double v;
+    std::memcpy(&v, raw, sizeof v);
+    return v;
+  }
+
+ private:
+  const std::uint8_t* data_;
+  std::size_t left_;
+};
+
+void require(bool ok, const char* what) {
+  if (ok)
+    return;
+  std::fprintf(stderr, "round offset fuzzer: property broken: %s\n", what);
+  std::fflush(stderr);
+  std::abort();
+}
+
+// A buffer of exactly `count` elements followed by sentinels that no call may touch.
+template <class T>
+class Guarded {
+ public:
+  explicit Guarded(std::size_t count) : count_(count), store_(count + kGuard, T()) {
+    for (std::size_t i = count; i < store_.size(); ++i)
+      std::memset(&store_[i], 0x5A, sizeof(T));
+    POISON(&store_[count], kGuard * sizeof(T));
+  }
+  ~Guarded() { UNPOISON(&store_[count_], kGuard * sizeof(T)); }
+  T* get() { return count_ > 0 ? store_.data() : nullptr; }
+  bool intact() {
+    UNPOISON(&store_[count_], kGuard * sizeof(T));
+    bool ok = true;
+    for (std::size_t i = count_; i < store_.size(); ++i) {
+      unsigned char expected[sizeof(T)];
+      std::memset(expected, 0x5A, sizeof(T));
+      ok = ok && std::memcmp(&store_[i], expected, sizeof(T)) == 0;
+    }
+    POISON(&store_[count_], kGuard * sizeof(T));
+    return ok;
+  }
+
+ private:
+  std::size_t count_;
+  std::vector<T> store_;
+};
+
+struct Row {
+  double f[5];
+};
+
+template <typename Call>
+int timedCall(Call call) {
+  const auto start = std::chrono::steady_clock::now();
+  const int result = call();
+  require(std::chrono::steady_clock::now() - start <= kCallLimit, "a call took over a second");
+  return result;
+}
+
+bool moderate(double v) {
+  return std::isfinite(v) && std::fabs(v) <= 1e4;
+}
+
+// Rows and attributes of a result loop as the library promises them.
+void checkRows(const Row* rows, int count, int n) {
+  for (int i = 0; i < count; ++i) {
+    const double a3 = rows[i].f[3] - kAttr3Base, a4 = rows[i].f[4] - kAttr4Base;
+    require(rows[i].f[3] == -1.0 || (a3 >= 0.0 && a3 < n && a3 == std::floor(a3)),
+            "field 3 of a row is neither the caller's nor -1.0");
+    require(a4 >= 0.0 && a4 < n && a4 == std::floor(a4), "field 4 of a row is not the caller's");
+  }
+}
+
+// Whether the input's segments meet only at the rows neighbours share (checker geometry).
+bool simpleInput(const std::vector<tarnsysm_test::ValidityRow>& rows, bool closed) {
+  namespace vd = tarnsysm_test::validity_detail;
+  const auto segs = vd::segments(rows, closed, 0.0);
+  for (std::size_t i = 0; i < segs.size(); ++i)
+    for (std::size_t j = i + 1; j < segs.size(); ++j) {
+      const vd::Hits hits = vd::crossings(segs[i], segs[j], 1e-7);
+      for (int k = 0; k < hits.n; ++k)
+        if (!(j == i + 1 && vd::len(hits.p[k] - segs[i].b) < 1e-7) &&
+            !(closed && i == 0 && j + 1 == segs.size() && vd::len(hits.p[k] - segs[0].a) < 1e-7))
+          return false;
+    }
+  return !segs.empty();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  ByteReader in(data, size);
+  const int n = in.byte() % (kMaxRows + 2) - 1;
+  const std::uint8_t flags = in.byte();
+  const int closed = flags & 1;
+  const bool pickForm = (flags & 2) != 0;
+  const int through = (flags & 4) != 0 ? 1 : 0;
+  const int tolIndex = (flags >> 3) & 7;
+  const double eps = tolIndex < 7 ? kTolerances[tolIndex] : in.value();
+  const double dist = in.value();
+  double pick[2] = {in.value(), in.value()};
+  std::vector<Row> v(static_cast<std::size_t>(n > 0 ? n : 0));
+  bool checkable = tolIndex < 7 && eps <= 1e-4 && moderate(dist) && std::fabs(dist) >= 1e-2;
+  std::vector<tarnsysm_test::ValidityRow> source;
+  for (int i = 0; i < n; ++i) {
+    Row& r = v[static_cast<std::size_t>(i)];
+    r = {{in.value(), in.value(), in.value(), kAttr3Base + i, kAttr4Base + i}};
+    checkable = checkable && moderate(r.f[0]) && moderate(r.f[1]) && moderate(r.f[2]) &&
+                std::fabs(r.f[2]) <= 1e3;
+    source.push_back({r.f[0], r.f[1], r.f[2]});
+  }
+  double(*rows)[5] = n > 0 ? reinterpret_cast<double(*)[5]>(v.data()) : nullptr;
+
+  if (pickForm) {
+    int queried = -5;
+    const int need = timedCall([&] {
+      return PLineOffsetRoundPick(eps, closed, n, rows, through, pick, dist, nullptr, 0, &queried);
+    });
+    require(need <= 0 && queried == -5, "a pick call without room wrote");
+    Guarded<Row> out(static_cast<std::size_t>(-need));
+    int outClosed = -5;
+    const int got = timedCall([&] {
+      return PLineOffsetRoundPick(eps, closed, n, rows, through, pick, dist,
+                                  reinterpret_cast<double(*)[5]>(out.get()), -need, &outClosed);
+    });
+    require(out.intact(), "the pick form wrote past the room it asked for");
+    require(got == -need && (got == 0 ? outClosed == -5 : outClosed == 0 || outClosed == 1),
+            "the pick form's room query and call disagree");
+    checkRows(out.get(), got, n);
+    return 0;
+  }
+
+  int loops = -5;
+  const int need = timedCall([&] {
+    return PLineOffsetRound(eps, closed, n, rows, dist, nullptr, 0, nullptr, nullptr, 0, &loops);
+  });
+  require(need <= 0 && (need == 0) == (loops == 0), "the room query wrote or miscounted");
+  Guarded<Row> out(static_cast<std::size_t>(-need));
+  Guarded<int> starts(static_cast<std::size_t>(loops)), isClosed(static_cast<std::size_t>(loops));
+  int count = -5;
+  const int got = timedCall([&] {
+    return PLineOffsetRound(eps, closed, n, rows, dist, reinterpret_cast<double(*)[5]>(out.get()),
+                            -need, starts.get(), isClosed.get(), loops, &count);
+  });
+  require(out.intact() && starts.intact() && isClosed.intact(),
+          "the offset wrote past the room it asked for");
+  require(got == -need && count == loops, "the room query and the call disagree");
+  checkRows(out.get(), got, n);
+  const bool validate = checkable && got > 0 && simpleInput(source, closed != 0);
+  for (int k = 0; k < count; ++k) {
+    const int first = starts.get()[k];
+    const int end = k + 1 < count ? starts.get()[k + 1] : got;
+    require(first == (k == 0 ? 0 : first) && end - first >= 2, "a loop has fewer than two rows");
+    require(!closed || isClosed.get()[k] == 1, "a closed input gave an open piece");
+    if (!validate)
+      continue;
+    std::vector<tarnsysm_test::ValidityRow> loop;
+    for (int i = first; i < end; ++i)
+      loop.push_back({out.get()[i].f[0], out.get()[i].f[1], out.get()[i].f[2]});
+    // A hole runs the other way round by design; its other properties still hold.
+    namespace vd = tarnsysm_test::validity_detail;
+    const bool hole =
+        closed &&
+        vd::area(vd::segments(loop, true, 0.0)) * vd::area(vd::segments(source, true, 0.0)) < 0.0;
+    const std::string why = tarnsysm_test::offsetValidity(
+        source, closed != 0, loop, isClosed.get()[k] == 1 && !hole, dist, std::max(1e-6, 10 * eps));
+    if (!why.empty())
+      std::fprintf(stderr, "loop %d: %s\n", k, why.c_str());
+    require(why.empty(), "a loop is not an offset of the input");
+  }
+  return 0;
+}
