@@ -60,7 +60,6 @@ constexpr int kMaxRows = 64;
 constexpr int kGuard = 8;  // doubles of sentinel after each buffer
 constexpr auto kCallLimit = std::chrono::seconds(1) * kSanitizerSlowdown * kDebugSlowdown;
 constexpr double kAttr3Base = 1000.0, kAttr4Base = 2000.0;
-constexpr double kSentinel = -7.25e77;
 constexpr double kTolerances[7] = {1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1};
 const double kSpecialValues[] = {std::numeric_limits<double>::quiet_NaN(),
                                  std::numeric_limits<double>::infinity(),
