@@ -21,6 +21,7 @@
 
 #include "../tests/offset/offset_validity.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -199,12 +200,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<Row> v(static_cast<std::size_t>(n > 0 ? n : 0));
   bool checkable = tolIndex < 7 && eps <= 1e-4 && moderate(dist) && std::fabs(dist) >= 1e-2;
   std::vector<tarnsysm_test::ValidityRow> source;
+  double extent = 0.0;  // of coordinates and arc radii: the offset's round-off grows with it
   for (int i = 0; i < n; ++i) {
     Row& r = v[static_cast<std::size_t>(i)];
     r = {{in.value(), in.value(), in.value(), kAttr3Base + i, kAttr4Base + i}};
     checkable = checkable && moderate(r.f[0]) && moderate(r.f[1]) && moderate(r.f[2]) &&
                 std::fabs(r.f[2]) <= 1e3;
     source.push_back({r.f[0], r.f[1], r.f[2]});
+    extent = std::max({extent, std::fabs(r.f[0]), std::fabs(r.f[1])});
+  }
+  for (int i = 0; checkable && i < n; ++i) {
+    const Row& a = v[static_cast<std::size_t>(i)];
+    const Row& b = v[static_cast<std::size_t>((i + 1) % n)];
+    const double bulge = std::fabs(a.f[2]);
+    if (bulge > 0.0)
+      extent =
+          std::max(extent, std::hypot(b.f[0] - a.f[0], b.f[1] - a.f[1]) * (1 / bulge + bulge) / 4);
   }
   double(*rows)[5] = n > 0 ? reinterpret_cast<double(*)[5]>(v.data()) : nullptr;
 
@@ -259,8 +270,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool hole =
         closed &&
         vd::area(vd::segments(loop, true, 0.0)) * vd::area(vd::segments(source, true, 0.0)) < 0.0;
-    const std::string why = tarnsysm_test::offsetValidity(
-        source, closed != 0, loop, isClosed.get()[k] == 1 && !hole, dist, std::max(1e-6, 10 * eps));
+    const std::string why =
+        tarnsysm_test::offsetValidity(source, closed != 0, loop, isClosed.get()[k] == 1 && !hole,
+                                      dist, std::max({1e-6, 10 * eps, 1e-11 * extent}));
     if (!why.empty())
       std::fprintf(stderr, "loop %d: %s\n", k, why.c_str());
     require(why.empty(), "a loop is not an offset of the input");
