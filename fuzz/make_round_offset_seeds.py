@@ -12,7 +12,7 @@ import os
 import struct
 
 TOLERANCES = [1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1]
-SPECIAL = {"nan": 0, "inf": 1, "-inf": 2, "max": 3, "1e300": 5}
+SPECIAL = {"nan": 0, "inf": 2, "-inf": 3, "max": 4, "1e300": 8}  # fuzz_support.h's table
 
 
 def value(v):
@@ -69,6 +69,12 @@ SEEDS = {
     "infinite_distance": seed(SQUARE, dist="inf"),
     "coarse_tolerance": seed(BOWED, dist=-1.0, eps=0.1),
     "no_rows": seed([], n=0),
+    # Findings: an arc of bulge eps (radius 1e11), whose round-off about its centre sets the
+    # tolerance; a near-full circle closed by a chord whose bulge is a denormal.
+    "flat_arc_of_huge_radius": seed([(0.0, 32.0, 520.2501106262206), (-255.0, -253.109375, 1e-9),
+                                     (1e-9, 1e-9, 1e-9), (1e-9, 1e-9, 1e-9)], dist=-6.0),
+    "near_full_circle_with_denormal_bulge": seed([(-255.0, 0.96875, 5.32571241e-315),
+                                                  (-256.0, -256.0, -256.0)], dist=-6.0),
 }
 
 if __name__ == "__main__":

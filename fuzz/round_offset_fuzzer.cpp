@@ -8,7 +8,7 @@
 //   values   [eps], dist, pick x, pick y, then x, y, bulge for each row.
 // A value starts with a tag byte t: t < 0x80 takes one more byte and gives a multiple of 1/64 in
 // [-256, 256) (so collinear, coincident and tangent cases are common); 0x80 <= t < 0xC0 picks
-// one of kSpecialValues; t >= 0xC0 takes the next 8 bytes as a raw double.
+// one of fuzz::kSpecialValues; t >= 0xC0 takes the next 8 bytes as a raw double.
 //
 // Properties, each aborting with a message when broken: every call returns within a second
 // (scaled for sanitized and unoptimised builds); the room query and the call agree; nothing is
@@ -20,33 +20,21 @@
 #include <Tarnsysm.h>
 
 #include "../tests/offset/offset_validity.h"
+#include "fuzz_support.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <vector>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TARNSYSM_FUZZ_ASAN 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define TARNSYSM_FUZZ_ASAN 1
-#endif
+namespace {
+
 #if defined(TARNSYSM_FUZZ_ASAN)
-#include <sanitizer/asan_interface.h>
-#define POISON(p, bytes) ASAN_POISON_MEMORY_REGION(p, bytes)
-#define UNPOISON(p, bytes) ASAN_UNPOISON_MEMORY_REGION(p, bytes)
 constexpr int kSanitizerSlowdown = 10;
 #else
-#define POISON(p, bytes) (void)(p)
-#define UNPOISON(p, bytes) (void)(p)
 constexpr int kSanitizerSlowdown = 1;
 #endif
 #if defined(NDEBUG)
@@ -54,93 +42,25 @@ constexpr int kDebugSlowdown = 1;
 #else
 constexpr int kDebugSlowdown = 3;
 #endif
-
-namespace {
-
 constexpr int kMaxRows = 64;
-constexpr int kGuard = 8;  // doubles of sentinel after each buffer
 constexpr auto kCallLimit = std::chrono::seconds(1) * kSanitizerSlowdown * kDebugSlowdown;
 constexpr double kAttr3Base = 1000.0, kAttr4Base = 2000.0;
 constexpr double kTolerances[7] = {1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1};
-const double kSpecialValues[] = {std::numeric_limits<double>::quiet_NaN(),
-                                 std::numeric_limits<double>::infinity(),
-                                 -std::numeric_limits<double>::infinity(),
-                                 std::numeric_limits<double>::max(),
-                                 std::numeric_limits<double>::denorm_min(),
-                                 1e300,
-                                 1e150,
-                                 -1e6,
-                                 -0.0,
-                                 1e-9,
-                                 5e-10,
-                                 1e-15,
-                                 1.0,
-                                 -1.0,
-                                 0.5,
-                                 100.0};
 
-class ByteReader {
- public:
-  ByteReader(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
-  std::uint8_t byte() {
-    if (left_ == 0)
-      return 0;
-    --left_;
-    return *data_++;
-  }
-  double value() {
-    const std::uint8_t tag = byte();
-    if (tag < 0x80)
-      return ((tag << 8 | byte()) - 0x4000) / 64.0;
-    if (tag < 0xC0)
-      return kSpecialValues[(tag - 0x80u) % (sizeof kSpecialValues / sizeof(double))];
-    std::uint8_t raw[sizeof(double)];
-    for (std::uint8_t& b : raw)
-      b = byte();
-    double v;
-    std::memcpy(&v, raw, sizeof v);
-    return v;
-  }
+using fuzz::require;
 
- private:
-  const std::uint8_t* data_;
-  std::size_t left_;
-};
-
-void require(bool ok, const char* what) {
-  if (ok)
-    return;
-  std::fprintf(stderr, "round offset fuzzer: property broken: %s\n", what);
-  std::fflush(stderr);
-  std::abort();
-}
-
-// A buffer of exactly `count` elements followed by sentinels that no call may touch.
+// `count` elements in a guarded buffer (null when there are none, as a caller without room
+// would pass).
 template <class T>
 class Guarded {
  public:
-  explicit Guarded(std::size_t count) : count_(count), store_(count + kGuard, T()) {
-    for (std::size_t i = count; i < store_.size(); ++i)
-      std::memset(&store_[i], 0x5A, sizeof(T));
-    POISON(&store_[count], kGuard * sizeof(T));
-  }
-  ~Guarded() { UNPOISON(&store_[count_], kGuard * sizeof(T)); }
-  T* get() { return count_ > 0 ? store_.data() : nullptr; }
-  bool intact() {
-    UNPOISON(&store_[count_], kGuard * sizeof(T));
-    bool ok = true;
-    for (std::size_t i = count_; i < store_.size(); ++i) {
-      unsigned char expected[sizeof(T)];
-      std::memset(expected, 0x5A, sizeof(T));
-      ok = ok && std::memcmp(&store_[i], expected, sizeof(T)) == 0;
-    }
-    POISON(&store_[count_], kGuard * sizeof(T));
-    return ok;
-  }
+  explicit Guarded(std::size_t count) : count_(count), bytes_(count * sizeof(T)) {}
+  T* get() { return count_ > 0 ? reinterpret_cast<T*>(bytes_.data()) : nullptr; }
+  bool intact() { return bytes_.guardIntact(); }
 
  private:
   std::size_t count_;
-  std::vector<T> store_;
+  fuzz::GuardedBytes bytes_;
 };
 
 struct Row {
@@ -187,7 +107,7 @@ bool simpleInput(const std::vector<tarnsysm_test::ValidityRow>& rows, bool close
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  ByteReader in(data, size);
+  fuzz::ByteReader in(data, size);
   const int n = in.byte() % (kMaxRows + 2) - 1;
   const std::uint8_t flags = in.byte();
   const int closed = flags & 1;
