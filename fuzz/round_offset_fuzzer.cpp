@@ -133,7 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Row& a = v[static_cast<std::size_t>(i)];
     const Row& b = v[static_cast<std::size_t>((i + 1) % n)];
     const double bulge = std::fabs(a.f[2]);
-    if (bulge > 1e-9)  // flatter ones are straight to the engine and the checker alike
+    if (bulge >= eps && bulge > 0.0)  // the engine's arcs, radii up to its round-off
       extent =
           std::max(extent, std::hypot(b.f[0] - a.f[0], b.f[1] - a.f[1]) * (1 / bulge + bulge) / 4);
   }
