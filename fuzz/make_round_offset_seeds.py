@@ -1,28 +1,18 @@
 #!/usr/bin/env python3
 """Writes the seed inputs of the round offset fuzz target into fuzz/corpus/round_offset/.
 
-The byte layout is the one documented at the top of fuzz/round_offset_fuzzer.cpp: grid values
-(multiples of 1/64 in [-256, 256)) take two bytes, others are raw little-endian doubles (tag
-0xC0) or an index into the target's special values (tag 0x80 + index).
+The byte layout is the one documented at the top of fuzz/round_offset_fuzzer.cpp; values are
+encoded as make_seeds.py encodes them (fuzz_support.h reads them).
 Run from anywhere: python3 fuzz/make_round_offset_seeds.py
 """
 
 import math
 import os
-import struct
+import sys
 
-TOLERANCES = [1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1]
-SPECIAL = {"nan": 0, "inf": 2, "-inf": 3, "max": 4, "1e300": 8}  # fuzz_support.h's table
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
-
-def value(v):
-    if isinstance(v, str):
-        return bytes([0x80 + SPECIAL[v]])
-    g = v * 64.0
-    if g == int(g) and -0x4000 <= g < 0x4000:
-        code = int(g) + 0x4000
-        return bytes([code >> 8, code & 0xFF])
-    return bytes([0xC0]) + struct.pack("<d", v)
+from make_seeds import TOLERANCES, value  # the same value encoding and special values
 
 
 def seed(rows, closed=True, dist=1.0, pick=None, through=False, eps=1e-9, n=None):

@@ -32,18 +32,7 @@
 
 namespace {
 
-#if defined(TARNSYSM_FUZZ_ASAN)
-constexpr int kSanitizerSlowdown = 10;
-#else
-constexpr int kSanitizerSlowdown = 1;
-#endif
-#if defined(NDEBUG)
-constexpr int kDebugSlowdown = 1;
-#else
-constexpr int kDebugSlowdown = 3;
-#endif
 constexpr int kMaxRows = 64;
-constexpr auto kCallLimit = std::chrono::seconds(1) * kSanitizerSlowdown * kDebugSlowdown;
 constexpr double kAttr3Base = 1000.0, kAttr4Base = 2000.0;
 constexpr double kTolerances[7] = {1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1};
 
@@ -66,14 +55,6 @@ class Guarded {
 struct Row {
   double f[5];
 };
-
-template <typename Call>
-int timedCall(Call call) {
-  const auto start = std::chrono::steady_clock::now();
-  const int result = call();
-  require(std::chrono::steady_clock::now() - start <= kCallLimit, "a call took over a second");
-  return result;
-}
 
 bool moderate(double v) {
   return std::isfinite(v) && std::fabs(v) <= 1e4;
@@ -141,13 +122,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   if (pickForm) {
     int queried = -5;
-    const int need = timedCall([&] {
+    const int need = fuzz::timedCall([&] {
       return PLineOffsetRoundPick(eps, closed, n, rows, through, pick, dist, nullptr, 0, &queried);
     });
     require(need <= 0 && queried == -5, "a pick call without room wrote");
     Guarded<Row> out(static_cast<std::size_t>(-need));
     int outClosed = -5;
-    const int got = timedCall([&] {
+    const int got = fuzz::timedCall([&] {
       return PLineOffsetRoundPick(eps, closed, n, rows, through, pick, dist,
                                   reinterpret_cast<double(*)[5]>(out.get()), -need, &outClosed);
     });
@@ -159,14 +140,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   int loops = -5;
-  const int need = timedCall([&] {
+  const int need = fuzz::timedCall([&] {
     return PLineOffsetRound(eps, closed, n, rows, dist, nullptr, 0, nullptr, nullptr, 0, &loops);
   });
   require(need <= 0 && (need == 0) == (loops == 0), "the room query wrote or miscounted");
   Guarded<Row> out(static_cast<std::size_t>(-need));
   Guarded<int> starts(static_cast<std::size_t>(loops)), isClosed(static_cast<std::size_t>(loops));
   int count = -5;
-  const int got = timedCall([&] {
+  const int got = fuzz::timedCall([&] {
     return PLineOffsetRound(eps, closed, n, rows, dist, reinterpret_cast<double(*)[5]>(out.get()),
                             -need, starts.get(), isClosed.get(), loops, &count);
   });

@@ -30,17 +30,23 @@ double cross(double ax, double ay, double bx, double by) {
   return ax * by - ay * bx;
 }
 
-// A straight segment or the arc of a bulge b from (x0, y0) to (x1, y1). With the chord u and
-// its length c, tan(theta/4) = b and theta the signed sweep, the centre lies on the chord's
-// left normal at c/(2 tan(theta/2)) = c (1 - b^2)/(4 b) from its midpoint, and the radius is
-// c/(2 |sin(theta/2)|) = c (1 + b^2)/(4 |b|); written with 1/b, neither overflows.
-Piece segmentPiece(double eps, double x0, double y0, double x1, double y1, double b, int src) {
+Piece straightPiece(double x0, double y0, double x1, double y1, int src, PieceKind kind) {
   Piece p;
   p.x0 = x0;
   p.y0 = y0;
   p.x1 = x1;
   p.y1 = y1;
   p.src = src;
+  p.kind = kind;
+  return p;
+}
+
+// A straight segment or the arc of a bulge b from (x0, y0) to (x1, y1). With the chord u and
+// its length c, tan(theta/4) = b and theta the signed sweep, the centre lies on the chord's
+// left normal at c/(2 tan(theta/2)) = c (1 - b^2)/(4 b) from its midpoint, and the radius is
+// c/(2 |sin(theta/2)|) = c (1 + b^2)/(4 |b|); written with 1/b, neither overflows.
+Piece segmentPiece(double eps, double x0, double y0, double x1, double y1, double b, int src) {
+  Piece p = straightPiece(x0, y0, x1, y1, src, PieceKind::kMoved);
   if (withinOpen(b, eps))
     return p;
   const double ux = x1 - x0, uy = y1 - y0;
@@ -96,17 +102,6 @@ Piece movedPiece(const Piece& s, double d, double tol) {
     m.kind = PieceKind::kConnector;
   }
   return m;
-}
-
-Piece connector(double x0, double y0, double x1, double y1, int src) {
-  Piece c;
-  c.x0 = x0;
-  c.y0 = y0;
-  c.x1 = x1;
-  c.y1 = y1;
-  c.src = src;
-  c.kind = PieceKind::kConnector;
-  return c;
 }
 
 // Cuts the end of p back to (x, y) at parameter t.
@@ -186,7 +181,7 @@ bool joinCorner(double d, double tol, double vx, double vy, int vertex, const Pi
       return false;
     }
   }
-  between = connector(prev.x1, prev.y1, next.x0, next.y0, vertex);
+  between = straightPiece(prev.x1, prev.y1, next.x0, next.y0, vertex, PieceKind::kConnector);
   return true;
 }
 
