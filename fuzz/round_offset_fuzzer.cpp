@@ -70,21 +70,6 @@ void checkRows(const Row* rows, int count, int n) {
   }
 }
 
-// Whether the input's segments meet only at the rows neighbours share (checker geometry).
-bool simpleInput(const std::vector<tarnsysm_test::ValidityRow>& rows, bool closed) {
-  namespace vd = tarnsysm_test::validity_detail;
-  const auto segs = vd::segments(rows, closed, 0.0);
-  for (std::size_t i = 0; i < segs.size(); ++i)
-    for (std::size_t j = i + 1; j < segs.size(); ++j) {
-      const vd::Hits hits = vd::crossings(segs[i], segs[j], 1e-7);
-      for (int k = 0; k < hits.n; ++k)
-        if (!(j == i + 1 && vd::len(hits.p[k] - segs[i].b) < 1e-7) &&
-            !(closed && i == 0 && j + 1 == segs.size() && vd::len(hits.p[k] - segs[0].a) < 1e-7))
-          return false;
-    }
-  return !segs.empty();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -156,11 +141,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(got == -need && count == loops, "the room query and the call disagree");
   checkRows(out.get(), got, n);
   // A closed outline without area (a doubled line) has no inside or outside to judge sides by.
-  namespace vd = tarnsysm_test::validity_detail;
-  const double sourceArea = closed ? vd::area(vd::segments(source, true, 0.0)) : 1.0;
+  const double sourceArea = closed ? tarnsysm_test::signedArea(source) : 1.0;
   // The checker finds circles from squared radii: beyond radii of 1e4 its own round-off shows.
   const bool validate = checkable && got > 0 && extent <= 1e4 && std::fabs(sourceArea) > 1e-6 &&
-                        simpleInput(source, closed != 0);
+                        tarnsysm_test::selfCrossing(source, closed != 0).empty();
   for (int k = 0; k < count; ++k) {
     const int first = starts.get()[k];
     const int end = k + 1 < count ? starts.get()[k + 1] : got;
@@ -173,9 +157,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       loop.push_back({out.get()[i].f[0], out.get()[i].f[1], out.get()[i].f[2]});
     // A hole runs the other way round by design; its other properties still hold.
     namespace vd = tarnsysm_test::validity_detail;
-    const bool hole =
-        closed &&
-        vd::area(vd::segments(loop, true, 0.0)) * vd::area(vd::segments(source, true, 0.0)) < 0.0;
+    const bool hole = closed && tarnsysm_test::signedArea(loop) * sourceArea < 0.0;
     const std::string why =
         tarnsysm_test::offsetValidity(source, closed != 0, loop, isClosed.get()[k] == 1 && !hole,
                                       dist, std::max({1e-6, 10 * eps, 1e-11 * extent}));

@@ -98,20 +98,10 @@ std::vector<Vertex> randomStarPolygon(std::mt19937& rng, double size) {
 
 // The random polygon does not cross itself: neighbouring segments share only their row.
 bool simple(const std::vector<Vertex>& v) {
-  namespace vd = tarnsysm_test::validity_detail;
   std::vector<ValidityRow> rows;
   for (const Vertex& p : v)
     rows.push_back({p.x, p.y, p.bulge});
-  const auto segs = vd::segments(rows, true, 0.0);
-  for (size_t i = 0; i < segs.size(); ++i)
-    for (size_t j = i + 1; j < segs.size(); ++j) {
-      const vd::Hits hits = vd::crossings(segs[i], segs[j], 1e-9);
-      for (int k = 0; k < hits.n; ++k)
-        if (!(j == i + 1 && vd::len(hits.p[k] - segs[i].b) < 1e-7) &&
-            !(i == 0 && j + 1 == segs.size() && vd::len(hits.p[k] - segs[0].a) < 1e-7))
-          return false;
-    }
-  return true;
+  return tarnsysm_test::selfCrossing(rows, true).empty();
 }
 
 TEST(RoundOffset, random_polygons_with_arcs_give_valid_offsets) {
@@ -147,11 +137,6 @@ Polyline benchShape(tarnsysm::bench::ShapeKind kind, int n) {
   return Polyline(v);
 }
 
-double loopArea(const Loop& loop) {
-  namespace vd = tarnsysm_test::validity_detail;
-  return vd::area(vd::segments(loop.rows, true, 0.0));
-}
-
 // The star of thin spikes offset inwards by 2 is a scalloped ring at distance 2 everywhere (a
 // sharp-cornered offset of it turns into reversed islands); gears both ways.
 TEST(RoundOffset, star_and_gear_offsets_are_valid) {
@@ -160,7 +145,7 @@ TEST(RoundOffset, star_and_gear_offsets_are_valid) {
   const std::vector<Loop> ring = roundLoops(star, true, -2.0);
   ASSERT_EQ(ring.size(), 1u);
   EXPECT_EQ(invalidLoop(star, true, -2.0, ring), "");
-  EXPECT_NEAR(loopArea(ring[0]), 19124.0, 1.0);
+  EXPECT_NEAR(tarnsysm_test::signedArea(ring[0].rows), 19124.0, 1.0);
   for (const auto& [n, d] : {std::pair<int, double>{100, -3.0}, {100, 0.5}, {1000, -0.5}}) {
     Polyline gear = benchShape(ShapeKind::kGear, n);
     const std::vector<Loop> loops = roundLoops(gear, true, d);
@@ -220,8 +205,7 @@ TEST(RoundOffset, square_outwards_rounds_every_corner_and_reports_its_room) {
     ASSERT_EQ(n, 8);
     EXPECT_EQ(start, 0);
     EXPECT_EQ(closed, 1);
-    EXPECT_NEAR(-tarnsysm_test::enclosedArea(out.rows(), 8), 100.0 + 40.0 + tarnsysm_test::kPi,
-                1e-9);
+    EXPECT_NEAR(tarnsysm_test::signedArea(out.first(8)), 100.0 + 40.0 + tarnsysm_test::kPi, 1e-9);
     for (int i = 0; i < 8; ++i) {
       const int vertex = (i / 2 + i % 2) % 4;
       EXPECT_EQ(out[i][3], i % 2 == 0 ? 100.0 + vertex : -1.0) << "row " << i;
