@@ -37,17 +37,6 @@
 namespace {
 
 constexpr int kMaxRows = 64;
-#if defined(TARNSYSM_FUZZ_ASAN)
-constexpr int kSanitizerSlowdown = 10;
-#else
-constexpr int kSanitizerSlowdown = 1;
-#endif
-#if defined(NDEBUG)
-constexpr int kDebugSlowdown = 1;
-#else
-constexpr int kDebugSlowdown = 3;
-#endif
-constexpr auto kCallLimit = std::chrono::seconds(1) * kSanitizerSlowdown * kDebugSlowdown;
 
 // Attributes the caller gives row i; any result row must carry one of them.
 constexpr double kAttr3Base = 1000.0;
@@ -123,15 +112,6 @@ bool keepsDistance(double eps, bool closedIn, int n, double (*source)[5], double
   return sameWay && gap >= d - tol && gap <= d + tol;
 }
 
-template <typename Call>
-int timedCall(Call call) {
-  const auto start = std::chrono::steady_clock::now();
-  const int result = call();
-  if (std::chrono::steady_clock::now() - start > kCallLimit)
-    fail("a call took longer than one second (scaled for the build)");
-  return result;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -172,13 +152,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   int closed = closedFlag;
   int result = 0;
   if (trimOnly) {
-    result = timedCall([&] { return TrimLoopS(eps, pick, &closed, n, v); });
+    result = fuzz::timedCall([&] { return TrimLoopS(eps, pick, &closed, n, v); });
     require(rows.guardIntact(), "TrimLoopS wrote past the caller's n rows");
     require(result <= (n > 0 ? n : 0) && result >= (n < 0 ? n : 0),
             "TrimLoopS returned more rows than it was given");
     require(closed == closedFlag || closed == 1, "TrimLoopS set an unexpected closed flag");
   } else {
-    result = timedCall([&] { return PLineOffset(eps, &closed, n, v, through, pick, dist); });
+    result = fuzz::timedCall([&] { return PLineOffset(eps, &closed, n, v, through, pick, dist); });
     require(rows.guardIntact(), "PLineOffset wrote past the caller's 2n rows");
     require(result == 0 || (result >= 2 && result <= 2 * n),
             "PLineOffset result outside 0 and 2 .. 2n");
