@@ -43,6 +43,8 @@ struct SegmentShape {
   double cx, cy, r, dev;
 
   static SegmentShape empty() { return boxed(SegmentBox::empty()); }
+  static SegmentShape of(const SegmentShape& s) { return s; }
+  static SegmentShape of(const SegmentBox& b) { return boxed(b); }
   static SegmentShape boxed(const SegmentBox& b) {
     return {other, b, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
   }
@@ -88,8 +90,9 @@ struct SegmentProbe {
 /// smaller.
 class SegmentIndex {
  public:
-  /// Builds the tree of axis-aligned boxes over the shapes shapeOf(0) .. shapeOf(count - 1) in
-  /// O(count). Throws std::bad_alloc when memory (or the leaf count) runs out.
+  /// Builds the tree of axis-aligned boxes over the shapes shapeOf(0) .. shapeOf(count - 1)
+  /// (SegmentShape, or just a SegmentBox) in O(count). Throws std::bad_alloc when memory (or the
+  /// leaf count) runs out.
   template <class ShapeOf>
   void build(int count, ShapeOf&& shapeOf);
 
@@ -131,7 +134,23 @@ class SegmentIndex {
   template <class Visit>
   bool visitAll(const SegmentProbe& probe, Visit&& visit) const;
 
+  /// Calls visit(id) for the ids whose boxes, and the boxes of every subtree holding them, pass
+  /// accept(const SegmentBox&) (a box may only be larger than what it holds, so accept must
+  /// pass any box that holds a passing one), in no particular order, until visit returns true;
+  /// returns whether it did.
+  template <class Accept, class Visit>
+  bool visitWhere(Accept&& accept, Visit&& visit) const;
+
+  /// visitWhere for the straight segment from (x1, y1) to (x2, y2) grown by pad: boxes it may
+  /// meet (box overlap, then the side of its line).
+  template <class Visit>
+  bool visitAlongSegment(double x1, double y1, double x2, double y2, double pad,
+                         Visit&& visit) const;
+
  private:
+  template <class Accept, class Visit>
+  bool visitWhereNode(Accept&& accept, Visit&& visit) const;
+
   // Boxes are kept in single precision, rounded outwards, which halves the tree's memory.
   struct Node {
     float xmin, ymin, xmax, ymax;
@@ -209,7 +228,7 @@ template <class ShapeOf>
 void SegmentIndex::build(int count, ShapeOf&& shapeOf) {
   allocate(count);
   for (int i = 0; i < count; ++i)
-    setLeaf(i, shapeOf(i));
+    setLeaf(i, SegmentShape::of(shapeOf(i)));
   refitAbove(leaves_, 2 * leaves_ - 1);
 }
 
@@ -259,15 +278,33 @@ bool SegmentIndex::visitBelowDescending(int limit, const SegmentProbe& probe, Vi
 
 template <class Visit>
 bool SegmentIndex::visitAll(const SegmentProbe& probe, Visit&& visit) const {
+  const Prepared prepared(probe, true);
+  return visitWhereNode([&](int node) { return mayMeet(node, prepared); }, visit);
+}
+
+template <class Visit>
+bool SegmentIndex::visitAlongSegment(double x1, double y1, double x2, double y2, double pad,
+                                     Visit&& visit) const {
+  const SightSegment sight(x1, y1, x2, y2, pad);
+  return visitWhere([&](const SegmentBox& box) { return sight.mayMeet(box); }, visit);
+}
+
+template <class Accept, class Visit>
+bool SegmentIndex::visitWhere(Accept&& accept, Visit&& visit) const {
+  return visitWhereNode([&](int node) { return accept(static_cast<SegmentBox>(nodes_[node])); },
+                        visit);
+}
+
+template <class Accept, class Visit>
+bool SegmentIndex::visitWhereNode(Accept&& accept, Visit&& visit) const {
   if (count_ == 0)
     return false;
-  const Prepared prepared(probe, true);
   int stack[64];
   int top = 0;
   stack[top++] = 1;
   while (top > 0) {
     const int node = stack[--top];
-    if (!mayMeet(node, prepared))
+    if (!accept(node))
       continue;
     if (node >= leaves_) {
       ++visited_;

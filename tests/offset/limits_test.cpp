@@ -5,13 +5,12 @@
 #include "test_support.h"
 
 #include <Tarnsysm.h>
+#include <offset/internal.h>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
-#include <fstream>
-#include <sstream>
-#include <string>
 #include <vector>
 
 using namespace tarnsysm_test;
@@ -20,7 +19,7 @@ using tarnsysm::test::kNaN;
 
 namespace {
 
-const std::vector<Vertex> kSquare = rectangle(0.0, 0.0, 10.0, 10.0);  // counter-clockwise
+const Rows kSquare = rectangle(0.0, 0.0, 10.0, 10.0);  // counter-clockwise
 
 // A bulge of exactly 0 is straight whatever eps is; other bulges keep the open interval.
 TEST(OffsetLimits, ExactZeroBulgeIsStraightWhateverEps) {
@@ -113,36 +112,21 @@ TEST(OffsetLimits, OtherFunctionsAnswerAroundANaNRow) {
   EXPECT_EQ(TrimLoop0(1e-9, 1, 4, square.rows()), 4);
 }
 
-// A half circle inserted where the first moved arc shrank to a point leads the result: it
-// carries the marks of an inserted row (field 3 = -1, field 4 of source row 1), and every row
-// carries either those marks or its own source row's (fields 3, 4 = row + 1, 100 + row).
+// An open quarter arc about the origin (radius 10) moved 10 towards its centre shrinks to the
+// origin; the line after it, moved as far, misses that point, so the corner is bridged by a half
+// circle that starts where the shrunk arc is. That first row is an inserted one: field 3 = -1,
+// field 4 from row 1 (the Polyline gives row i the attributes 100 + i, 200 + i).
 TEST(OffsetLimits, BridgeRowFirstKeepsInsertedMarks) {
-  std::ifstream in(std::string(TARNSYSM_TEST_DATA_DIR) + "/attributes_bridge_row.txt");
-  std::vector<std::vector<double>> source;
-  for (std::string line; std::getline(in, line);) {
-    std::istringstream fields(line);
-    std::vector<double> row(5);
-    if (line.empty() || line[0] == '#' ||
-        !(fields >> row[0] >> row[1] >> row[2] >> row[3] >> row[4]))
-      continue;
-    source.push_back(row);
-  }
-  ASSERT_EQ(source.size(), 7u);
-  Polyline p(std::vector<Vertex>(7));
-  for (int i = 0; i < 7; ++i)
-    std::memcpy(p[i], source[i].data(), sizeof(double[5]));
-  int closed = 0;
-  double pick[2] = {0.7542533573819346, 0.4088000195373258};
-  const int k = PLineOffset(1e-9, &closed, 7, p.rows(), 1, pick, 0.0);
-  ASSERT_GE(k, 2);
-  EXPECT_NEAR(p[0][2], 1.0, 1e-9);
+  Polyline p({{10.0, 0.0, std::tan(kPi / 8.0)}, {0.0, 10.0, 0.0}, {-10.0, 20.0, 0.0}});
+  const int k = tarnsysm::detail::BuildOffsetPLine(1e-9, -10.0, 0, 3, p.rows());
+  ASSERT_GE(k, 3);
+  EXPECT_NEAR(p[0][0], 0.0, 1e-9);
+  EXPECT_NEAR(p[0][1], 0.0, 1e-9);
+  EXPECT_EQ(std::fabs(p[0][2]), 1.0);
   EXPECT_EQ(p[0][3], -1.0);
-  EXPECT_EQ(p[0][4], 101.0);
-  for (int i = 0; i < k; ++i) {
-    const double f3 = p[i][3], f4 = p[i][4];
-    const bool inserted = f3 == -1.0 && f4 >= 100.0 && f4 <= 106.0;
-    EXPECT_TRUE(inserted || (f3 >= 1.0 && f3 <= 7.0 && f4 == 99.0 + f3)) << "row " << i;
-  }
+  EXPECT_EQ(p[0][4], 201.0);
+  EXPECT_EQ(p[1][3], 101.0);
+  EXPECT_EQ(p[1][4], 201.0);
 }
 
 // A pick 6 units off a small arc triangle whose concave arc has a radius of 1.9: every corner
