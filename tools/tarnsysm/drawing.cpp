@@ -7,16 +7,18 @@
 
 namespace tarnsysm::tool {
 
-std::string describePolyline(const Polyline& polyline, std::size_t index) {
-  std::string text = "polyline " + std::to_string(index);
+std::string placeOf(const Polyline& polyline) {
   std::string where;
   if (!polyline.handle.empty())
     where = "handle " + polyline.handle;
   if (!polyline.layer.empty())
     where += (where.empty() ? "" : ", ") + ("layer " + polyline.layer);
-  if (!where.empty())
-    text += " (" + where + ")";
-  return text;
+  return where;
+}
+
+std::string describePolyline(const Polyline& polyline, std::size_t index) {
+  const std::string where = placeOf(polyline);
+  return "polyline " + std::to_string(index) + (where.empty() ? "" : " (" + where + ")");
 }
 
 bool isVertexWithin(const Vertex& v, double limit) {
