@@ -35,8 +35,8 @@ struct Polyline {
 
 struct Drawing {
   std::vector<Polyline> polylines;
-  // Polylines the reader left out (3D ones, meshes, tilted planes): "handle 3A, layer WALLS: a
-  // 3D polyline".
+  // Polylines the reader left out (3D ones, meshes, tilted planes): "polyline (handle 3A, layer
+  // WALLS): a 3D polyline".
   std::vector<std::string> leftOut;
 };
 
@@ -75,5 +75,12 @@ bool extentOf(const std::vector<const Polyline*>& polylines, Extent* extent);
 /// The point halfway along the segment from a to b with the given bulge (on the arc, not on
 /// the chord), and the unit direction of travel there.
 void segmentMidpoint(const Vertex& a, const Vertex& b, Point* mid, Point* direction);
+
+/// Centre and radius of the arc from a to b with a's bulge; false for a straight or zero-length
+/// segment.
+bool arcCentre(const Vertex& a, const Vertex& b, Point* centre, double* radius);
+
+/// Distance from p to the segment from a to b with a's bulge (line or arc).
+double distanceToSegment(const Vertex& a, const Vertex& b, Point p);
 
 }  // namespace tarnsysm::tool

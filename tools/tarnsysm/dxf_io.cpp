@@ -68,7 +68,8 @@ class PolylineCollector : public DL_CreationAdapter {
                       : tilted                            ? "in a tilted plane"
                                                           : nullptr;
     if (why != nullptr) {
-      leftOut.push_back(placeOf(polyline) + ": " + why);
+      const std::string place = placeOf(polyline);
+      leftOut.push_back("polyline" + (place.empty() ? "" : " (" + place + ")") + ": " + why);
       return;
     }
     // A polyline whose plane faces down (extrusion 0,0,-1) has its own x axis pointing

@@ -98,7 +98,7 @@ void checkDxfText(const std::string& text, const std::string& name) {
   };
 
   const std::size_t pairs = lines.size() / 2;
-  for (std::size_t pair = 0; pair < pairs; ++pair) {
+  for (std::size_t pair = 0; 2 * pair < lines.size(); ++pair) {
     const std::size_t codeLine = 2 * pair + 1;  // counted from 1
     const std::size_t valueLine = codeLine + 1;
     long long code = 0;
@@ -106,6 +106,8 @@ void checkDxfText(const std::string& text, const std::string& name) {
       fail(codeLine, "'" + std::string(trimmed(lines[codeLine - 1]).substr(0, 40)) +
                          "' is not a DXF group code (is it a DXF drawing?)");
     }
+    if (valueLine > lines.size())
+      break;
     const std::string_view value = trimmed(lines[valueLine - 1]);
     if (code == 0) {
       finish();

@@ -179,7 +179,7 @@ int run(const Request& request) {
 
   const Drawing drawing = readDrawing(request.input);
   for (const std::string& place : drawing.leftOut)
-    std::cerr << "tarnsysm: warning: left out polyline (" << place << ")\n";
+    std::cerr << "tarnsysm: warning: left out " << place << "\n";
 
   std::vector<Polyline> offsets;
   std::vector<Point> picks;

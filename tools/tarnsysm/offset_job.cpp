@@ -9,6 +9,7 @@
 #include <climits>
 #include <cmath>
 #include <memory>
+#include <optional>
 
 namespace tarnsysm::tool {
 
@@ -31,6 +32,9 @@ Rows rowsOf(const Polyline& polyline) {
 // Rows no longer than this (in drawing units, times eps) count as having no length: the
 // side of such a segment says nothing.
 constexpr double kShortSegmentInEps = 1000.0;
+// A pick point this much nearer (relative to its distance) another segment than its own counts
+// as nearer that one: round-off must not turn an equal distance into a stray.
+constexpr double kStrayMargin = 1e-9;
 
 // A polyline of two rows with an arc, with that arc split at its midpoint into two arcs of
 // half the included angle. The library treats two rows specially: it counts them as
@@ -68,6 +72,32 @@ double enclosedArea(const Polyline& polyline, double eps) {
   return PLineArea(eps, 1, static_cast<int>(rowsForArea.vertices.size()), rows.get());
 }
 
+// The library's signed distance from p to the polyline (positive right of travel); false when
+// it cannot be measured.
+bool signedDistance(const Polyline& source, double eps, Point p, double* dist) {
+  const Rows rows = rowsOf(source);
+  double at[2] = {p.x, p.y};
+  return PLineDist(eps, source.closed ? 1 : 0, static_cast<int>(source.vertices.size()), rows.get(),
+                   at, dist) == 1;
+}
+
+// Why PLineOffset made nothing, from what can be measured: the pick on the polyline, a distance
+// that cannot be measured, or else an offset that leaves nothing.
+std::string whyNoOffset(const Polyline& source, double eps, Point pick) {
+  double dist = 0.0;
+  if (!signedDistance(source, eps, pick, &dist)) {
+    return "its distance from the pick point cannot be measured (no segment faces the pick "
+           "point, as beyond an open end)";
+  }
+  if (std::fabs(dist) < eps)
+    return "the pick point lies on it";
+  return "it collapses at this distance (or its offset cannot be made with sharp corners)";
+}
+
+// Segments tried for a side's pick point before settling for a weaker one: keeps the search
+// linear on long polylines.
+constexpr std::size_t kMostPickCandidates = 32;
+
 }  // namespace
 
 bool sidePickPoint(const Polyline& polyline, Side side, double distance, double eps, Point* pick,
@@ -79,15 +109,14 @@ bool sidePickPoint(const Polyline& polyline, Side side, double distance, double 
     return false;
   }
   const std::size_t segments = v.size() < 2 ? 0 : (polyline.closed ? v.size() : v.size() - 1);
-  std::size_t first = segments;
-  for (std::size_t i = 0; i < segments; ++i) {
+  auto usable = [&](std::size_t i) {
     const Vertex& a = v[i];
     const Vertex& b = v[(i + 1) % v.size()];
-    if (std::hypot(b.x - a.x, b.y - a.y) > kShortSegmentInEps * eps) {
-      first = i;
-      break;
-    }
-  }
+    return std::hypot(b.x - a.x, b.y - a.y) > kShortSegmentInEps * eps;
+  };
+  std::size_t first = 0;
+  while (first < segments && !usable(first))
+    ++first;
   if (first == segments) {
     *problem = "it has no segment of non-zero length";
     return false;
@@ -106,14 +135,58 @@ bool sidePickPoint(const Polyline& polyline, Side side, double distance, double 
     toRight = (side == Side::kInside) == insideIsRight ? 1.0 : -1.0;
   }
 
+  // The library keeps the piece of the offset nearest the pick, so the pick goes where the
+  // wanted piece will be: |d| off the middle of a segment, on the asked side (as the library
+  // measures sides), and no nearer any other part of the polyline than |d|. Where a segment's
+  // point fails (a crossing or a reflex corner next to it), the next segment's is tried.
+  const Polyline source = withFirstArcSplit(polyline, eps);
+  std::optional<Point> onSide;
+  std::size_t tried = 0;
+  for (std::size_t i = first; i < segments && tried < kMostPickCandidates; ++i) {
+    if (!usable(i))
+      continue;
+    ++tried;
+    const Vertex& a = v[i];
+    const Vertex& b = v[(i + 1) % v.size()];
+    Point mid;
+    Point u;
+    segmentMidpoint(a, b, &mid, &u);
+    double reach = distance;
+    Point centre;
+    double radius = 0.0;
+    // Towards an arc's centre (left of travel for a positive bulge) its offset ends at the
+    // centre: stay well short of it.
+    if (arcCentre(a, b, &centre, &radius) && (a.bulge > 0.0) == (toRight < 0.0))
+      reach = std::min(reach, radius / 2.0);
+    // The right of the direction u is (u.y, -u.x).
+    const Point candidate{mid.x + toRight * reach * u.y, mid.y - toRight * reach * u.x};
+    double dist = 0.0;
+    if (!(reach > 0.0) || !signedDistance(source, eps, candidate, &dist) || !(dist * toRight > eps))
+      continue;
+    if (!onSide)
+      onSide = candidate;
+    bool nearerElsewhere = false;
+    for (std::size_t j = 0; j < segments && !nearerElsewhere; ++j) {
+      nearerElsewhere = j != i && distanceToSegment(v[j], v[(j + 1) % v.size()], candidate) <
+                                      reach * (1.0 - kStrayMargin);
+    }
+    if (!nearerElsewhere) {
+      *pick = candidate;
+      return true;
+    }
+  }
+  if (onSide) {
+    *pick = *onSide;
+    return true;
+  }
+
+  // Nothing measured on the asked side: a point just off the first segment's middle, nearer
+  // it than anything else.
   const Vertex& a = v[first];
   const Vertex& b = v[(first + 1) % v.size()];
   Point mid;
   Point u;
   segmentMidpoint(a, b, &mid, &u);
-  // Step off the segment by a small fraction of what is nearby, so that the segment is
-  // the nearest part of the polyline to the pick point: of the segment's chord, of an
-  // arc's radius (never past its centre) and of the offset distance.
   const double chord = std::hypot(b.x - a.x, b.y - a.y);
   double reach = chord;
   const double bulge = std::fabs(a.bulge);
@@ -122,12 +195,10 @@ bool sidePickPoint(const Polyline& polyline, Side side, double distance, double 
   if (distance > 0.0)
     reach = std::min(reach, distance);
   const double step = std::max(reach / 1000.0, 100.0 * eps);
-  // The right of the direction u is (u.y, -u.x).
   pick->x = mid.x + toRight * step * u.y;
   pick->y = mid.y - toRight * step * u.x;
   return true;
 }
-
 OffsetOutcome offsetPolyline(const Polyline& polyline, const OffsetOptions& options) {
   OffsetOutcome outcome;
   const std::size_t n = polyline.vertices.size();
@@ -155,12 +226,13 @@ OffsetOutcome offsetPolyline(const Polyline& polyline, const OffsetOptions& opti
   const int count = PLineOffset(options.eps, &closed, static_cast<int>(rowCount), rows.get(),
                                 options.through ? 1 : 0, pick, options.distance);
   if (count <= 0 || static_cast<std::size_t>(count) > 2 * rowCount) {
-    outcome.problem =
-        "the library could not offset it (the pick point lies on it, or the offset "
-        "leaves nothing of it)";
+    outcome.problem = whyNoOffset(source, options.eps, outcome.pick);
     return outcome;
   }
   outcome.result.closed = closed != 0;
+  // The offset lies in its source's plane.
+  outcome.result.elevation = polyline.elevation;
+  outcome.result.extrusion = polyline.extrusion;
   for (int i = 0; i < count; ++i) {
     const Vertex vertex{rows[i][0], rows[i][1], rows[i][2]};
     if (!isVertexWithin(vertex, kLargestResult)) {
