@@ -3,7 +3,7 @@
 # Packages already present are left alone; when not run as root it asks sudo for the install.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang clang-format binutils pkg-config
-  libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev)
+  libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev python3-ezdxf)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
