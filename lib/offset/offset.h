@@ -198,3 +198,56 @@ TARNSYSM_API int VertexDist(double eps, double* const p, double x1, double y1, d
 /// arc and within the sight segment for an arc. 0 otherwise, and for k outside 0 .. n-1.
 TARNSYSM_API int IntersPLine(double eps, int k, double px, double py, int closed, int n,
                              double (*const v)[5]);
+
+// ---- Round-corner offset ----------------------------------------------------------------------
+//
+// The exact offset of a polyline at a distance: the boundary of the set of points at distance
+// exactly |dist| from the polyline on the chosen side. Lines stay lines and arcs stay concentric
+// arcs; wherever moved neighbours pull apart the corner becomes an arc of radius |dist| about the
+// shared vertex (a round corner); an arc moved past its centre leaves nothing. Where the offset
+// splits, every loop is returned. A loop runs the way its source runs: a closed input gives
+// closed loops that run the same way round as the input (holes that an outward offset encloses
+// run the other way, as boundaries of the same region do); an open input gives open pieces in the
+// direction of travel, and closed loops where the offset closes on itself.
+//
+// Attributes: a row that starts a piece of a moved source segment keeps fields 3 and 4 of that
+// segment's start row; a row that starts a round corner (or, with the row that ends an open
+// piece inside a segment, a point cut by the trimming) takes -1.0 in field 3 and field 4 of the
+// source row at whose vertex or segment it lies. The last row of an open piece that ends where
+// the input ends keeps fields 3 and 4 of the input's last row.
+//
+// Tolerances: rows closer than eps merge; a bulge within (-eps, eps) is straight; a point of the
+// offset counts as too near the input when it is nearer than |dist| - eps (eps raised to 1e-12 of
+// the drawing's extent where it is smaller, so round-off alone never drops a piece).
+//
+// Bad input gives 0: n < 1, null rows, eps negative or not finite, a non-finite coordinate or
+// bulge among the n rows (fields 3 and 4 may hold anything), dist not finite or |dist| < eps,
+// fewer than two distinct vertices. Memory exhaustion also gives 0. v is only read.
+
+/// Every loop of the offset of the polyline v (n rows, closed when `closed` is non-zero) at the
+/// signed distance dist (positive: right of travel). Rows of loop k are out[loopStart[k]] up to
+/// the next loop's start (the last loop's up to the result - 1); loopClosed[k] is 1 for a closed
+/// loop, 0 for an open piece (open input only). Loops are ordered by where they start along the
+/// input; a closed loop starts at its piece that comes first along the input.
+///
+/// Returns the total number of rows written and sets *loopCount. Returns 0 with *loopCount = 0
+/// when the offset is empty (the polyline collapses) or the input is bad (see above). When
+/// outRoom rows or loopRoom loops are too few, returns -(rows needed) with *loopCount = loops
+/// needed and writes nothing else (out may then be null with outRoom 0, loopStart and loopClosed
+/// null with loopRoom 0: a query of the room).
+TARNSYSM_API int PLineOffsetRound(double eps, int closed, int n, double (*const v)[5], double dist,
+                                  double (*out)[5], int outRoom, int* loopStart, int* loopClosed,
+                                  int loopRoom, int* loopCount);
+
+/// The loop of the round-corner offset nearest to the picked point pick = (pick[0], pick[1]). The
+/// side comes from the picked point's signed distance by PLineDist, as PLineOffset takes it: with
+/// `through` non-zero the offset passes through the point and dist is ignored, otherwise it
+/// moves |dist| to the picked side. Of the loops of PLineOffsetRound the one nearest the picked
+/// point (the first on a tie) is written to out, and *outClosed says whether it is closed.
+///
+/// Returns its row count; 0 when there is none (the picked point lies on the polyline within
+/// eps, its distance cannot be measured, the offset is empty or the input is bad), out and
+/// *outClosed untouched; -(rows needed) when outRoom is too small, out and *outClosed untouched.
+TARNSYSM_API int PLineOffsetRoundPick(double eps, int closed, int n, double (*const v)[5],
+                                      int through, double* const pick, double dist,
+                                      double (*out)[5], int outRoom, int* outClosed);
