@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <csignal>
@@ -36,6 +37,8 @@ struct Request {
   std::string side;
   std::string eps = "1e-9";
   bool through = false;
+  std::string corners;
+  bool allLoops = false;
   std::string output;
   std::string svg;
 };
@@ -168,6 +171,11 @@ int run(const Request& request) {
     options.pick = pickOption(request.pick);
   if (!request.side.empty())
     options.side = sideOption(request.side);
+  options.roundCorners = request.corners == "round";
+  options.allLoops = request.allLoops;
+  if (request.allLoops && request.corners == "sharp")
+    throw UserError(
+        "--all-loops writes the loops of the round-corner offset: not with --corners sharp");
 
   std::optional<OutputFile> dxfFile;
   std::optional<OutputFile> svgFile;
@@ -190,7 +198,11 @@ int run(const Request& request) {
     if (outcome.hasPick && !options.usePick)
       picks.push_back(outcome.pick);
     if (outcome.offset) {
-      offsets.push_back(outcome.result);
+      offsets.insert(offsets.end(), outcome.results.begin(), outcome.results.end());
+      if (!outcome.note.empty()) {
+        std::cerr << "tarnsysm: warning: " << describePolyline(drawing.polylines[i], i + 1) << ": "
+                  << outcome.note << "\n";
+      }
     } else {
       std::cerr << "tarnsysm: warning: " << describePolyline(drawing.polylines[i], i + 1)
                 << " not offset: " << outcome.problem << "\n";
@@ -199,6 +211,7 @@ int run(const Request& request) {
   if (options.usePick)
     picks.push_back(options.pick);
 
+  const auto made = static_cast<std::size_t>(std::count(failed.begin(), failed.end(), false));
   // Every output is made whole in memory first; then direct outputs (devices, standard output)
   // are written, and last the temporary files replace their targets, so an error leaves no
   // partial file behind.
@@ -212,7 +225,7 @@ int run(const Request& request) {
   }
   if (svgFile) {
     SvgPicture picture{drawing.polylines, failed, offsets, picks,
-                       captionFor(request, options, offsets.size(), drawing.polylines.size())};
+                       captionFor(request, options, made, drawing.polylines.size())};
     std::ostringstream text;
     writeSvg(text, picture);
     svgFile->prepare(text.str());
@@ -231,15 +244,14 @@ int run(const Request& request) {
   }
   if (!request.output.empty() || !request.svg.empty()) {
     std::ostream& log = request.output == "-" || request.svg == "-" ? std::cerr : std::cout;
-    log << "tarnsysm: offset " << offsets.size() << " of " << drawing.polylines.size()
-        << " polylines; wrote";
+    log << "tarnsysm: offset " << made << " of " << drawing.polylines.size() << " polylines; wrote";
     for (const std::string& name : {request.output, request.svg}) {
       if (!name.empty())
         log << " " << (name == "-" ? "standard output" : name);
     }
     log << "\n";
   }
-  const bool whole = offsets.size() == drawing.polylines.size() && drawing.leftOut.empty();
+  const bool whole = made == drawing.polylines.size() && drawing.leftOut.empty();
   return whole ? kExitOk : kExitSomeNotOffset;
 }
 }  // namespace
@@ -272,6 +284,15 @@ int runCommandLine(int argc, char** argv) {
                           ->check(CLI::IsMember({"left", "right", "inside", "outside"}));
   CLI::Option* through = offset->add_flag(
       "--through", request.through, "the offset passes through the --pick point (no --distance)");
+  offset
+      ->add_option("--corners", request.corners,
+                   "sharp (default): corners as the segments meet, and round corners only where "
+                   "sharp ones cannot make the offset (a warning says so); round: arcs about "
+                   "the vertices wherever moved segments pull apart")
+      ->check(CLI::IsMember({"sharp", "round"}));
+  offset->add_flag("--all-loops", request.allLoops,
+                   "write every loop of the round-corner offset (as for pocketing), not only the "
+                   "one nearest the pick point");
   offset->add_option("-o,--output", request.output,
                      "write a DXF drawing: input on layer INPUT, offsets on OFFSET, pick points "
                      "on PICK (a name ending in .txt writes the offsets as text)");

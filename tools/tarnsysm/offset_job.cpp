@@ -81,17 +81,85 @@ bool signedDistance(const Polyline& source, double eps, Point p, double* dist) {
                    at, dist) == 1;
 }
 
-// Why PLineOffset made nothing, from what can be measured: the pick on the polyline, a distance
-// that cannot be measured, or else an offset that leaves nothing.
-std::string whyNoOffset(const Polyline& source, double eps, Point pick) {
-  double dist = 0.0;
-  if (!signedDistance(source, eps, pick, &dist)) {
-    return "its distance from the pick point cannot be measured (no segment faces the pick "
-           "point, as beyond an open end)";
+// Where the pick point stands: measured (the signed distance in *dist), or why it cannot be
+// used: it lies on the polyline, or its distance cannot be measured.
+bool pickMeasured(const Polyline& source, double eps, Point pick, double* dist,
+                  std::string* problem) {
+  if (!signedDistance(source, eps, pick, dist)) {
+    *problem =
+        "its distance from the pick point cannot be measured (no segment faces the pick point, as "
+        "beyond an open end)";
+    return false;
   }
-  if (std::fabs(dist) < eps)
-    return "the pick point lies on it";
-  return "it collapses at this distance (or its offset cannot be made with sharp corners)";
+  if (std::fabs(*dist) < eps) {
+    *problem = "the pick point lies on it";
+    return false;
+  }
+  return true;
+}
+
+const char* const kCollapses = "it collapses at this distance: nothing of it is left";
+
+// Appends rows to a polyline in the source's plane; false when one is not a number within reach.
+bool appendRows(const double (*rows)[5], int count, bool closed, const Polyline& source,
+                std::vector<Polyline>* results) {
+  Polyline result;
+  result.closed = closed;
+  // The offset lies in its source's plane.
+  result.elevation = source.elevation;
+  result.extrusion = source.extrusion;
+  for (int i = 0; i < count; ++i) {
+    result.vertices.push_back({rows[i][0], rows[i][1], rows[i][2]});
+    if (!isVertexWithin(result.vertices.back(), kLargestResult))
+      return false;
+  }
+  results->push_back(std::move(result));
+  return true;
+}
+
+// The round-corner offset's loop nearest the pick; 0 rows when there is none.
+int roundNearestLoop(const Polyline& source, const OffsetOptions& options, Point at, Rows* out,
+                     int* closed) {
+  const Rows rows = rowsOf(source);
+  double pick[2] = {at.x, at.y};
+  // A first guess at the room, then exactly what the engine asks for.
+  int room = static_cast<int>(std::min<std::size_t>(4 * source.vertices.size() + 64, INT_MAX));
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    out->reset(new double[room][5]());
+    const int count = PLineOffsetRoundPick(
+        options.eps, source.closed ? 1 : 0, static_cast<int>(source.vertices.size()), rows.get(),
+        options.through ? 1 : 0, pick, options.distance, out->get(), room, closed);
+    if (count >= 0)
+      return count;
+    room = -count;
+  }
+  return 0;
+}
+
+// Every loop of the round-corner offset at the signed distance; false when there is none.
+bool roundAllLoops(const Polyline& source, const Polyline& polyline, double eps, double dist,
+                   std::vector<Polyline>* results) {
+  const Rows rows = rowsOf(source);
+  const int n = static_cast<int>(source.vertices.size());
+  const int closed = source.closed ? 1 : 0;
+  int loops = 0;
+  const int needed =
+      -PLineOffsetRound(eps, closed, n, rows.get(), dist, nullptr, 0, nullptr, nullptr, 0, &loops);
+  if (needed <= 0 || loops <= 0)
+    return false;
+  const Rows out(new double[needed][5]());
+  std::vector<int> starts(static_cast<std::size_t>(loops));
+  std::vector<int> closedLoops(static_cast<std::size_t>(loops));
+  const int count = PLineOffsetRound(eps, closed, n, rows.get(), dist, out.get(), needed,
+                                     starts.data(), closedLoops.data(), loops, &loops);
+  for (int k = 0; count > 0 && k < loops; ++k) {
+    const int end = k + 1 < loops ? starts[static_cast<std::size_t>(k) + 1] : count;
+    const int start = starts[static_cast<std::size_t>(k)];
+    if (!appendRows(out.get() + start, end - start, closedLoops[static_cast<std::size_t>(k)] != 0,
+                    polyline, results))
+      return false;
+  }
+  return count > 0;
 }
 
 // Segments tried for a side's pick point before settling for a weaker one: keeps the search
@@ -219,29 +287,52 @@ OffsetOutcome offsetPolyline(const Polyline& polyline, const OffsetOptions& opti
   outcome.hasPick = true;
 
   const Polyline source = withFirstArcSplit(polyline, options.eps);
-  const std::size_t rowCount = source.vertices.size();
-  Rows rows = rowsOf(source);
-  int closed = source.closed ? 1 : 0;
-  double pick[2] = {outcome.pick.x, outcome.pick.y};
-  const int count = PLineOffset(options.eps, &closed, static_cast<int>(rowCount), rows.get(),
-                                options.through ? 1 : 0, pick, options.distance);
-  if (count <= 0 || static_cast<std::size_t>(count) > 2 * rowCount) {
-    outcome.problem = whyNoOffset(source, options.eps, outcome.pick);
+  double dist = 0.0;
+  if (!pickMeasured(source, options.eps, outcome.pick, &dist, &outcome.problem))
     return outcome;
-  }
-  outcome.result.closed = closed != 0;
-  // The offset lies in its source's plane.
-  outcome.result.elevation = polyline.elevation;
-  outcome.result.extrusion = polyline.extrusion;
-  for (int i = 0; i < count; ++i) {
-    const Vertex vertex{rows[i][0], rows[i][1], rows[i][2]};
-    if (!isVertexWithin(vertex, kLargestResult)) {
-      outcome.result.vertices.clear();
-      outcome.problem = "the library returned a vertex that is not a number within +-1e15";
+  const char* const outOfReach = "the library returned a vertex that is not a number within +-1e15";
+
+  if (options.allLoops) {
+    // The side (and, through the pick, the distance) as PLineOffset takes them from the pick.
+    const double signedDist = options.through ? dist : std::copysign(options.distance, dist);
+    if (!roundAllLoops(source, polyline, options.eps, signedDist, &outcome.results)) {
+      outcome.problem = outcome.results.empty() ? kCollapses : outOfReach;
+      outcome.results.clear();
       return outcome;
     }
-    outcome.result.vertices.push_back(vertex);
+    outcome.offset = true;
+    return outcome;
   }
+
+  if (!options.roundCorners) {
+    const std::size_t rowCount = source.vertices.size();
+    Rows rows = rowsOf(source);
+    int closed = source.closed ? 1 : 0;
+    double pick[2] = {outcome.pick.x, outcome.pick.y};
+    const int count = PLineOffset(options.eps, &closed, static_cast<int>(rowCount), rows.get(),
+                                  options.through ? 1 : 0, pick, options.distance);
+    if (count > 0 && static_cast<std::size_t>(count) <= 2 * rowCount) {
+      outcome.offset = appendRows(rows.get(), count, closed != 0, polyline, &outcome.results);
+      outcome.problem = outcome.offset ? "" : outOfReach;
+      return outcome;
+    }
+  }
+  // Round corners throughout, or where sharp corners gave nothing: an offset the round-corner
+  // engine finds near the pick means sharp corners could not make it; none means a collapse.
+  Rows rows;
+  int closed = 0;
+  const int count = roundNearestLoop(source, options, outcome.pick, &rows, &closed);
+  if (count <= 0) {
+    outcome.problem = kCollapses;
+    return outcome;
+  }
+  if (!appendRows(rows.get(), count, closed != 0, polyline, &outcome.results)) {
+    outcome.problem = outOfReach;
+    outcome.results.clear();
+    return outcome;
+  }
+  if (!options.roundCorners)
+    outcome.note = "its offset cannot be made with sharp corners: offset with round corners";
   outcome.offset = true;
   return outcome;
 }
