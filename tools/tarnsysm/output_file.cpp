@@ -94,7 +94,13 @@ OutputFile::OutputFile(std::string name) : name_(std::move(name)) {
     device_ = info.st_dev;
     inode_ = info.st_ino;
     mode_ = info.st_mode & 07777;
+    owner_ = info.st_uid;
+    group_ = info.st_gid;
     kind_ = S_ISREG(info.st_mode) ? Kind::kReplace : Kind::kDirect;
+    // Renaming over a file needs only the folder's permission: a file its owner made read-only
+    // is not to be replaced.
+    if (access(target_.c_str(), W_OK) != 0)
+      fail(std::strerror(errno));
   }
   char* directory = realpath(directoryOf(target_).c_str(), nullptr);
   if (directory == nullptr)
@@ -127,8 +133,11 @@ void OutputFile::prepare(std::string contents) {
   if (fd < 0)
     throw std::runtime_error("cannot write '" + name_ + "': " + std::strerror(errno));
   temporary_ = temporary.data();
-  // mkstemp makes the file private: give it the permissions of the file it replaces, or those a
-  // new file would get.
+  // mkstemp makes the file private: give it the permissions (and, where allowed, the owner) of
+  // the file it replaces, or those a new file would get.
+  if (exists_ && fchown(fd, owner_, group_) != 0) {
+    // Not the owner's to give away (only root may): the new file stays ours.
+  }
   mode_t mode = mode_;
   if (!exists_) {
     const mode_t mask = umask(0);

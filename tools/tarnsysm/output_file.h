@@ -14,7 +14,8 @@ namespace tarnsysm::tool {
 class OutputFile {
  public:
   /// Settles where `name` goes (following symbolic links), writing nothing. Throws
-  /// std::runtime_error naming it when it is a directory or cannot be looked up.
+  /// std::runtime_error naming it when it is a directory, an existing file we may not write, or
+  /// cannot be looked up.
   explicit OutputFile(std::string name);
   /// Removes the temporary file unless it was committed.
   ~OutputFile();
@@ -46,6 +47,8 @@ class OutputFile {
   dev_t device_ = 0;
   ino_t inode_ = 0;
   mode_t mode_ = 0;
+  uid_t owner_ = 0;
+  gid_t group_ = 0;
   std::string contents_;
   std::string temporary_;
   bool committed_ = false;
