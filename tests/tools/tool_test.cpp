@@ -159,7 +159,14 @@ INSTANTIATE_TEST_SUITE_P(
         AreaCase{"half_disc_inside", "closed 2\n-5 0 0\n5 0 1\n", "-d 1 --side inside",
                  16.0 * std::acos(0.25) - std::sqrt(15.0)},
         AreaCase{"figure_eight_right", kEight, "-d 1 --side right", lobeArea(-1.0)},
-        AreaCase{"figure_eight_left", kEight, "-d 1 --side left", lobeArea(1.0)}),
+        AreaCase{"figure_eight_left", kEight, "-d 1 --side left", lobeArea(1.0)},
+        // Round corners: a quarter circle of radius 1 at each corner of the square.
+        AreaCase{"square_outside_round_corners", kSquareCcw, "-d 1 --side outside --corners round",
+                 140.0 + kPi},
+        AreaCase{"neck_inside_nearest_loop", kNeck, "-d 3 --side inside --corners round",
+                 kNeckLoop},
+        AreaCase{"neck_inside_every_loop", kNeck, "-d 3 --side inside --all-loops", 2.0 * kNeckLoop,
+                 2}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // ---- Command lines: exit status, message, and for errors nothing written -----------------
