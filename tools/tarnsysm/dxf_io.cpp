@@ -257,10 +257,10 @@ void writeHeader(DL_WriterA& dw, unsigned long handleSeed, const std::vector<Pol
 }  // namespace
 
 Drawing readDxf(const std::string& text, const std::string& name) {
-  checkDxfText(text, name);
+  const std::size_t length = checkDxfText(text, name);
   PolylineCollector collector;
   DL_Dxf dxf;
-  std::istringstream in(text);
+  std::istringstream in(text.substr(0, length));
   if (!dxf.in(in, &collector))
     throw UserError("cannot read DXF file '" + name + "'");
   Drawing drawing;

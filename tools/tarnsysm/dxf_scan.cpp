@@ -3,6 +3,7 @@
 // starts an entity (or a SECTION, ENDSEC, EOF marker); code 5 is an entity's handle.
 #include "dxf_scan.h"
 
+#include <algorithm>
 #include <charconv>
 #include <set>
 #include <string_view>
@@ -53,6 +54,10 @@ bool isAllocatingCount(const std::string& type, long long code) {
   return false;
 }
 
+[[noreturn]] void failAt(const std::string& name, std::size_t line, const std::string& what) {
+  throw UserError("'" + name + "' line " + std::to_string(line) + ": " + what);
+}
+
 // The entity being scanned.
 struct Entity {
   std::string type;  // empty outside an entity
@@ -69,17 +74,17 @@ struct Entity {
 
 }  // namespace
 
-void checkDxfText(const std::string& text, const std::string& name) {
+std::size_t checkDxfText(const std::string& text, const std::string& name) {
   std::vector<std::string_view> lines;
+  std::vector<std::size_t> ends;  // where each line's text ends, line end included
   for (std::size_t start = 0; start < text.size();) {
     const auto end = text.find('\n', start);
     const std::size_t stop = end == std::string::npos ? text.size() : end;
     lines.push_back(std::string_view(text).substr(start, stop - start));
     start = stop + 1;
+    ends.push_back(std::min(start, text.size()));
   }
-  auto fail = [&](std::size_t line, const std::string& what) {
-    throw UserError("'" + name + "' line " + std::to_string(line) + ": " + what);
-  };
+  auto fail = [&](std::size_t line, const std::string& what) { failAt(name, line, what); };
   if (lines.empty())
     throw UserError("'" + name + "' is empty");
 
@@ -112,7 +117,7 @@ void checkDxfText(const std::string& text, const std::string& name) {
     if (code == 0) {
       finish();
       if (value == "EOF")
-        return;
+        return ends[valueLine - 1];
       sectionStart = value == "SECTION";
       if (value == "SECTION" || value == "ENDSEC")
         continue;
@@ -164,7 +169,7 @@ void checkDxfText(const std::string& text, const std::string& name) {
     where = " inside " + entity.name();
   else if (inSequence)
     where = " inside " + sequenceName;
-  fail(lines.size(), "the drawing ends" + where + " without EOF: the file is cut short");
+  failAt(name, lines.size(), "the drawing ends" + where + " without EOF: the file is cut short");
 }
 
 }  // namespace tarnsysm::tool

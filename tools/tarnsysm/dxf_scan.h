@@ -12,7 +12,9 @@ namespace tarnsysm::tool {
 /// is not a group code, a drawing that ends without EOF (inside an entity or not), an LWPOLYLINE
 /// whose vertex count (code 90) differs from its vertices or exceeds what the rest of the file can
 /// hold, a coordinate or other number of a polyline or vertex that is not a finite number, and a
-/// count of any entity dxflib allocates for that the rest of the file cannot hold.
-void checkDxfText(const std::string& text, const std::string& name);
+/// count of any entity dxflib allocates for that the rest of the file cannot hold. Returns the
+/// length of the drawing up to its EOF marker: dxflib reads on past it, so what follows (padding,
+/// or anything else) is not to be given to it.
+std::size_t checkDxfText(const std::string& text, const std::string& name);
 
 }  // namespace tarnsysm::tool

@@ -270,7 +270,8 @@ int runCommandLine(int argc, char** argv) {
       "(a warning names each), 2 error (nothing written).");
   offset
       ->add_option("INPUT", request.input,
-                   "DXF drawing (its LWPOLYLINEs), or text: 'closed N' or 'open N', then N "
+                   "ASCII DXF drawing (its LWPOLYLINEs and 2D POLYLINEs), or text: 'closed N' or "
+                   "'open N', then N "
                    "lines 'x y bulge'")
       ->required();
   CLI::Option* distance =
@@ -293,10 +294,14 @@ int runCommandLine(int argc, char** argv) {
   offset->add_flag("--all-loops", request.allLoops,
                    "write every loop of the round-corner offset (as for pocketing), not only the "
                    "one nearest the pick point");
-  offset->add_option("-o,--output", request.output,
-                     "write a DXF drawing: input on layer INPUT, offsets on OFFSET, pick points "
-                     "on PICK (a name ending in .txt writes the offsets as text)");
-  offset->add_option("--svg", request.svg, "write an SVG picture of input, offsets and picks");
+  offset->add_option(
+      "-o,--output", request.output,
+      "write a DXF drawing: input on layer INPUT, offsets on OFFSET, pick points "
+      "on PICK (a name ending in .txt writes the offsets as text; - writes to standard "
+      "output)");
+  offset->add_option(
+      "--svg", request.svg,
+      "write an SVG picture of input, offsets and picks (- writes to standard output)");
   offset->add_option("--eps", request.eps,
                      "tolerance in drawing units passed to the library (default 1e-9)");
   offset->allow_extras(false);
