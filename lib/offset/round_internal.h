@@ -3,8 +3,8 @@
 // installed.
 #pragma once
 
-#include "offset/segment_index.h"
-
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace tarnsysm::detail {
@@ -19,6 +19,30 @@ enum class PieceKind : unsigned char { kMoved, kCorner, kConnector };
 /// start angle a0 and signed sweep (positive counter-clockwise); its end points are stored as
 /// computed, so neighbouring pieces share them bit for bit. src is the source row: the start
 /// row of the moved segment, or the vertex of a corner.
+/// Length of (dx, dy). Extents are kept below 1e100, so the squares cannot overflow (and
+/// std::hypot's care for that would cost more than the rest of a distance test).
+inline double length(double dx, double dy) {
+  return std::sqrt(dx * dx + dy * dy);
+}
+
+/// An axis-aligned box.
+struct PieceBox {
+  double xmin, ymin, xmax, ymax;
+};
+
+inline PieceBox unite(const PieceBox& a, const PieceBox& b) {
+  return {std::min(a.xmin, b.xmin), std::min(a.ymin, b.ymin), std::max(a.xmax, b.xmax),
+          std::max(a.ymax, b.ymax)};
+}
+
+/// Squared distance between two boxes (0 where they overlap): never more than between any of
+/// their contents.
+inline double boxGapSquared(const PieceBox& a, const PieceBox& b) {
+  const double dx = std::max({0.0, a.xmin - b.xmax, b.xmin - a.xmax});
+  const double dy = std::max({0.0, a.ymin - b.ymax, b.ymin - a.ymax});
+  return dx * dx + dy * dy;
+}
+
 struct Piece {
   double x0 = 0.0, y0 = 0.0, x1 = 0.0, y1 = 0.0;
   double cx = 0.0, cy = 0.0, r = 0.0;
@@ -66,13 +90,62 @@ double parameterOnPiece(const Piece& p, double x, double y);
 Piece subPiece(const Piece& p, double ta, double tb, double xa, double ya, double xb, double yb);
 
 double pieceLength(const Piece& p);
-SegmentBox pieceBox(const Piece& p, double pad);
+PieceBox pieceBox(const Piece& p, double pad);
 
 /// Whether the direction (wx, wy) from an arc's centre lies on its sweep (closed).
 bool directionOnArc(const Piece& p, double wx, double wy);
 
 /// Distance from (x, y) to the piece.
 double distanceToPiece(const Piece& p, double x, double y);
+
+/// A balanced tree of boxes over the ids 0 .. count-1 (leaves in id order, each inner node the
+/// union of its leaves) that hands back the ids whose boxes overlap a box, or lie nearer to it
+/// than a distance.
+class PieceTree {
+ public:
+  template <class BoxOf>
+  void build(int count, BoxOf&& boxOf);
+
+  /// Calls visit(id) for the ids below `limit` whose boxes come nearer to `query` than reach
+  /// (reach 0: overlap, touching included), until visit returns true; returns whether it did.
+  template <class Visit>
+  bool visit(int limit, const PieceBox& query, double reach, Visit&& visit) const;
+
+ private:
+  int leaves_ = 1;
+  int count_ = 0;
+  std::vector<PieceBox> nodes_;  // 1-based heap: node k has children 2k and 2k + 1
+};
+
+/// Calls visit(i, j) for every pair j < i whose boxes come nearer than reach, until visit
+/// returns true; returns whether it did. The tree holds the same boxes. Neighbouring ids lie
+/// near one another, so the tree is walked once for each run of a few ids, with the run's
+/// box, and the pairs are sorted out from the ids it hands back.
+template <class Visit>
+bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, double reach,
+                    std::vector<int>& near, Visit&& visit) {
+  constexpr int kRun = 8;
+  const int count = static_cast<int>(boxes.size());
+  const double reach2 = reach * reach;
+  for (int first = 0; first < count; first += kRun) {
+    const int last = std::min(count, first + kRun);
+    PieceBox run = boxes[static_cast<size_t>(first)];
+    for (int i = first + 1; i < last; ++i)
+      run = unite(run, boxes[static_cast<size_t>(i)]);
+    near.clear();
+    tree.visit(last - 1, run, reach, [&](int j) {
+      near.push_back(j);
+      return false;
+    });
+    for (int i = first; i < last; ++i)
+      for (int j : near)
+        if (j < i &&
+            boxGapSquared(boxes[static_cast<size_t>(i)], boxes[static_cast<size_t>(j)]) <= reach2 &&
+            visit(i, j))
+          return true;
+  }
+  return false;
+}
 
 // ---- Meeting points and distances (round_slice.cpp) -------------------------------------------
 
@@ -81,12 +154,14 @@ double distanceToPiece(const Piece& p, double x, double y);
 /// the ends of their overlap. Returns the count.
 int meetPoints(const Piece& a, const Piece& b, double tol, double (*pts)[2]);
 
-/// A cut of the raw curve: piece and parameter, the node it belongs to, and the point.
+/// A cut of the raw curve: piece and parameter, the node it belongs to, the point, and the
+/// piece that crosses there (-1 at an end of an open chain or the circle about an input end).
 struct Cut {
   int piece;
   double t;
   int node;
   double x, y;
+  int other;
 };
 
 /// A run of the raw curve between two consecutive cuts (indices into the sorted cuts).
@@ -130,6 +205,50 @@ void forEachFragment(const SlicedOffset& s, const Slice& slice, int pieceCount, 
     visit(p % pieceCount, 0.0, 1.0);
   if (b.t > 0.0)
     visit(b.piece, 0.0, b.t);
+}
+
+template <class BoxOf>
+void PieceTree::build(int count, BoxOf&& boxOf) {
+  count_ = count;
+  leaves_ = 1;
+  while (leaves_ < count)
+    leaves_ *= 2;
+  const double inf = 1e300;
+  nodes_.assign(2 * static_cast<size_t>(leaves_), PieceBox{inf, inf, -inf, -inf});
+  for (int i = 0; i < count; ++i)
+    nodes_[static_cast<size_t>(leaves_ + i)] = boxOf(i);
+  for (int k = leaves_ - 1; k >= 1; --k) {
+    nodes_[static_cast<size_t>(k)] =
+        unite(nodes_[2 * static_cast<size_t>(k)], nodes_[2 * static_cast<size_t>(k) + 1]);
+  }
+}
+
+template <class Visit>
+bool PieceTree::visit(int limit, const PieceBox& query, double reach, Visit&& visit) const {
+  if (limit > count_)
+    limit = count_;
+  // (node, first leaf id below it, leaf count): a node whose first id reaches the limit is out.
+  struct Entry {
+    int node, first, size;
+  };
+  Entry stack[64];
+  const double reach2 = reach * reach;
+  int top = 0;
+  stack[top++] = {1, 0, leaves_};
+  while (top > 0) {
+    const Entry e = stack[--top];
+    if (e.first >= limit || !(boxGapSquared(nodes_[static_cast<size_t>(e.node)], query) <= reach2))
+      continue;
+    if (e.size == 1) {
+      if (visit(e.first))
+        return true;
+      continue;
+    }
+    const int half = e.size / 2;
+    stack[top++] = {2 * e.node + 1, e.first + half, half};
+    stack[top++] = {2 * e.node, e.first, half};
+  }
+  return false;
 }
 
 }  // namespace tarnsysm::detail

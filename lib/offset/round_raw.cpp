@@ -133,7 +133,7 @@ bool joinCorner(double d, double tol, double vx, double vy, int vertex, const Pi
   double t1x = 0.0, t1y = 0.0, t2x = 0.0, t2y = 0.0;
   tangentAt(inSeg, true, &t1x, &t1y);
   tangentAt(outSeg, false, &t2x, &t2y);
-  const double gap = std::hypot(next.x0 - prev.x1, next.y0 - prev.y1);
+  const double gap = length(next.x0 - prev.x1, next.y0 - prev.y1);
   if (gap <= tol) {
     next.x0 = prev.x1;
     next.y0 = prev.y1;
@@ -171,7 +171,7 @@ bool joinCorner(double d, double tol, double vx, double vy, int vertex, const Pi
     int best = -1;
     double bestDist = 0.0;
     for (int i = 0; i < count; ++i) {
-      const double dist = std::hypot(pts[i][0] - vx, pts[i][1] - vy);
+      const double dist = length(pts[i][0] - vx, pts[i][1] - vy);
       if (best < 0 || dist < bestDist) {
         best = i;
         bestDist = dist;
@@ -244,7 +244,7 @@ Piece subPiece(const Piece& p, double ta, double tb, double xa, double ya, doubl
 double pieceLength(const Piece& p) {
   if (p.isArc())
     return p.r * std::fabs(p.sweep);
-  return std::hypot(p.x1 - p.x0, p.y1 - p.y0);
+  return length(p.x1 - p.x0, p.y1 - p.y0);
 }
 
 bool directionOnArc(const Piece& p, double wx, double wy) {
@@ -260,9 +260,9 @@ bool directionOnArc(const Piece& p, double wx, double wy) {
   return !(cross(ex, ey, wx, wy) > 0.0 && cross(wx, wy, sx, sy) > 0.0);
 }
 
-SegmentBox pieceBox(const Piece& p, double pad) {
-  SegmentBox b{std::min(p.x0, p.x1), std::min(p.y0, p.y1), std::max(p.x0, p.x1),
-               std::max(p.y0, p.y1)};
+PieceBox pieceBox(const Piece& p, double pad) {
+  PieceBox b{std::min(p.x0, p.x1), std::min(p.y0, p.y1), std::max(p.x0, p.x1),
+             std::max(p.y0, p.y1)};
   if (p.isArc()) {
     if (directionOnArc(p, 1.0, 0.0))
       b.xmax = p.cx + p.r;
@@ -280,14 +280,14 @@ double distanceToPiece(const Piece& p, double x, double y) {
   if (p.isArc()) {
     const double wx = x - p.cx, wy = y - p.cy;
     if (directionOnArc(p, wx, wy))
-      return std::fabs(std::hypot(wx, wy) - p.r);
-    return std::min(std::hypot(x - p.x0, y - p.y0), std::hypot(x - p.x1, y - p.y1));
+      return std::fabs(length(wx, wy) - p.r);
+    return std::min(length(x - p.x0, y - p.y0), length(x - p.x1, y - p.y1));
   }
   const double ux = p.x1 - p.x0, uy = p.y1 - p.y0;
   const double len2 = ux * ux + uy * uy;
   double t = len2 > 0.0 ? ((x - p.x0) * ux + (y - p.y0) * uy) / len2 : 0.0;
   t = std::clamp(t, 0.0, 1.0);
-  return std::hypot(x - (p.x0 + ux * t), y - (p.y0 + uy * t));
+  return length(x - (p.x0 + ux * t), y - (p.y0 + uy * t));
 }
 
 // ---- Input and raw offset ---------------------------------------------------------------------
@@ -306,7 +306,7 @@ bool readRoundInput(double eps, int closed, int n, const double (*v)[5], RoundIn
   for (int i = 0; i < n; ++i) {
     if (m > 0) {
       double* last = &in.rows[static_cast<size_t>(m - 1) * 5];
-      if (std::hypot(v[i][0] - last[0], v[i][1] - last[1]) < eps) {
+      if (length(v[i][0] - last[0], v[i][1] - last[1]) < eps) {
         last[2] = v[i][2];
         last[3] = v[i][3];
         last[4] = v[i][4];
@@ -317,8 +317,8 @@ bool readRoundInput(double eps, int closed, int n, const double (*v)[5], RoundIn
     ++m;
   }
   while (in.closed && m > 2 &&
-         std::hypot(in.rows[static_cast<size_t>(m - 1) * 5] - in.rows[0],
-                    in.rows[static_cast<size_t>(m - 1) * 5 + 1] - in.rows[1]) < eps)
+         length(in.rows[static_cast<size_t>(m - 1) * 5] - in.rows[0],
+                in.rows[static_cast<size_t>(m - 1) * 5 + 1] - in.rows[1]) < eps)
     --m;
   in.rows.resize(static_cast<size_t>(m) * 5);
   in.rowCount = m;
@@ -331,7 +331,7 @@ bool readRoundInput(double eps, int closed, int n, const double (*v)[5], RoundIn
     const double* a = in.row(k);
     const double* b = in.row((k + 1) % m);
     in.segs.push_back(segmentPiece(eps, a[0], a[1], b[0], b[1], a[2], k));
-    const SegmentBox box = pieceBox(in.segs.back(), 0.0);
+    const PieceBox box = pieceBox(in.segs.back(), 0.0);
     in.extent = std::max({in.extent, std::fabs(box.xmin), std::fabs(box.xmax), std::fabs(box.ymin),
                           std::fabs(box.ymax), in.segs.back().r});
   }

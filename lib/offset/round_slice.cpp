@@ -4,12 +4,14 @@
 //
 // Every point of the raw offset lies at distance |d| from the segment or vertex it was made
 // from, so no point of it is farther than |d| from the input: a point belongs to the offset
-// exactly when nothing else comes nearer. Along the raw curve that can change only where the
-// curve meets itself (where it enters the band of some other segment it crosses that segment's
-// own moved copy or round corner) or, for an open input, where it enters the circle of radius
-// |d| about an end. Cut there, each slice is either wholly kept or wholly dropped; the check
-// still measures every piece of a slice against the input near it (the exact line and arc
-// distances), so round-off and input that crosses itself cannot let a wrong slice through.
+// exactly when nothing else comes nearer. For a closed input that does not cross itself that
+// can change along the raw curve only where the curve meets itself (a point at distance |d|
+// from a second part of the input lies on that part's own moved copy or round corner), so once
+// the curve is cut at its crossings one point decides each slice. An open input can also be
+// entered from its far side and from the circles of radius |d| about its ends (the ends are cut
+// too), and an input that crosses itself has no sides to speak of: there every piece of a slice
+// is measured against the input near it, with exact line and arc distances, and a slice that
+// comes nearer than |d| anywhere is dropped.
 #include "offset/round_internal.h"
 
 #include "primitives/internal.h"
@@ -28,14 +30,14 @@ double cross(double ax, double ay, double bx, double by) {
 
 // On the arc's sweep, or within tol of one of its ends.
 bool nearArc(const Piece& p, double x, double y, double tol) {
-  return directionOnArc(p, x - p.cx, y - p.cy) || std::hypot(x - p.x0, y - p.y0) <= tol ||
-         std::hypot(x - p.x1, y - p.y1) <= tol;
+  return directionOnArc(p, x - p.cx, y - p.cy) || length(x - p.x0, y - p.y0) <= tol ||
+         length(x - p.x1, y - p.y1) <= tol;
 }
 
 // Parameter of (x, y) along a line piece, with tol slack at both ends.
 bool nearLine(const Piece& p, double x, double y, double tol) {
   const double ux = p.x1 - p.x0, uy = p.y1 - p.y0;
-  const double len = std::hypot(ux, uy);
+  const double len = length(ux, uy);
   const double s = ((x - p.x0) * ux + (y - p.y0) * uy) / (len * len);
   const double slack = tol / len;
   return s >= -slack && s <= 1.0 + slack;
@@ -48,7 +50,7 @@ bool nearPiece(const Piece& p, double x, double y, double tol) {
 // Adds (x, y) unless it repeats a point already found (within tol); at most two.
 void addPoint(double x, double y, double tol, double (*pts)[2], int& count) {
   for (int i = 0; i < count; ++i)
-    if (std::hypot(pts[i][0] - x, pts[i][1] - y) <= tol)
+    if (length(pts[i][0] - x, pts[i][1] - y) <= tol)
       return;
   if (count < 2) {
     pts[count][0] = x;
@@ -73,7 +75,7 @@ int meetLines(const Piece& a, const Piece& b, double tol, double (*pts)[2]) {
   const double ux = a.x1 - a.x0, uy = a.y1 - a.y0;
   const double vx = b.x1 - b.x0, vy = b.y1 - b.y0;
   const double wx = b.x0 - a.x0, wy = b.y0 - a.y0;
-  const double lenA = std::hypot(ux, uy), lenB = std::hypot(vx, vy);
+  const double lenA = length(ux, uy), lenB = length(vx, vy);
   const double den = cross(ux, uy, vx, vy);
   int count = 0;
   if (!(lenA > 0.0 && lenB > 0.0))
@@ -100,12 +102,12 @@ int meetLines(const Piece& a, const Piece& b, double tol, double (*pts)[2]) {
 // where that half chord is within tol.
 int meetLineArc(const Piece& line, const Piece& arc, double tol, double (*pts)[2]) {
   const double ux = line.x1 - line.x0, uy = line.y1 - line.y0;
-  const double len = std::hypot(ux, uy);
+  const double len = length(ux, uy);
   const double ex = ux / len, ey = uy / len;
   const double fx = line.x0 - arc.cx, fy = line.y0 - arc.cy;
   const double s0 = -(fx * ex + fy * ey);
   const double hx = fx + s0 * ex, hy = fy + s0 * ey;
-  const double h = std::hypot(hx, hy);
+  const double h = length(hx, hy);
   if (h > arc.r + tol)
     return 0;
   double cand[2][2];
@@ -141,7 +143,7 @@ int meetArcs(const Piece& first, const Piece& second, double tol, double (*pts)[
   const Piece& a = first.r <= second.r ? first : second;
   const Piece& b = first.r <= second.r ? second : first;
   const double dx = b.cx - a.cx, dy = b.cy - a.cy;
-  const double c = std::hypot(dx, dy);
+  const double c = length(dx, dy);
   int count = 0;
   if (c <= tol) {
     if (b.r - a.r <= tol)
@@ -167,7 +169,7 @@ int meetArcs(const Piece& first, const Piece& second, double tol, double (*pts)[
 // points C +- r n, n the line's unit normal.
 bool arcNearLineInside(const Piece& arc, const Piece& line, double lim) {
   const double ux = line.x1 - line.x0, uy = line.y1 - line.y0;
-  const double len = std::hypot(ux, uy);
+  const double len = length(ux, uy);
   const double nx = uy / len, ny = -ux / len;
   for (double s : {1.0, -1.0})
     if (directionOnArc(arc, s * nx, s * ny) &&
@@ -179,7 +181,7 @@ bool arcNearLineInside(const Piece& arc, const Piece& line, double lim) {
 // Whether arc a comes nearer than lim to arc b at a point of a on the line through both centres.
 bool arcNearArcInside(const Piece& a, const Piece& b, double lim) {
   const double dx = b.cx - a.cx, dy = b.cy - a.cy;
-  const double c = std::hypot(dx, dy);
+  const double c = length(dx, dy);
   if (!(c > 0.0))
     return false;  // concentric: the ends decide
   for (double s : {1.0, -1.0}) {
@@ -233,36 +235,36 @@ class UnionFind {
 // along a common tangent nothing else can be shared, otherwise only their other meeting points
 // count.
 void selfCuts(const RoundInput& in, const std::vector<Piece>& raw, double tol,
-              const SegmentIndex& index, std::vector<Cut>& cuts, int& nodes) {
+              const PieceTree& index, const std::vector<PieceBox>& boxes, std::vector<Cut>& cuts,
+              int& nodes) {
   const int count = static_cast<int>(raw.size());
-  for (int i = 0; i < count; ++i) {
+  std::vector<int> near;
+  visitNearPairs(index, boxes, 0.0, near, [&](int i, int j) {
     const Piece& p = raw[static_cast<size_t>(i)];
-    index.visitBelowDescending(i, pieceBox(p, tol), [&](int j) {
-      const Piece& q = raw[static_cast<size_t>(j)];
-      const bool afterQ = j == i - 1;
-      const bool beforeQ = in.closed && j == 0 && i == count - 1;
-      if ((afterQ || beforeQ) && (!afterQ || p.smoothStart) && (!beforeQ || q.smoothStart))
-        return false;
-      double pts[2][2];
-      const int found = meetPoints(p, q, tol, pts);
-      for (int k = 0; k < found; ++k) {
-        const double x = pts[k][0], y = pts[k][1];
-        if ((afterQ && std::hypot(x - p.x0, y - p.y0) <= tol) ||
-            (beforeQ && std::hypot(x - q.x0, y - q.y0) <= tol))
-          continue;
-        cuts.push_back({i, std::clamp(parameterOnPiece(p, x, y), 0.0, 1.0), nodes, x, y});
-        cuts.push_back({j, std::clamp(parameterOnPiece(q, x, y), 0.0, 1.0), nodes, x, y});
-        ++nodes;
-      }
+    const Piece& q = raw[static_cast<size_t>(j)];
+    const bool afterQ = j == i - 1;
+    const bool beforeQ = in.closed && j == 0 && i == count - 1;
+    if ((afterQ || beforeQ) && (!afterQ || p.smoothStart) && (!beforeQ || q.smoothStart))
       return false;
-    });
-  }
+    double pts[2][2];
+    const int found = meetPoints(p, q, tol, pts);
+    for (int k = 0; k < found; ++k) {
+      const double x = pts[k][0], y = pts[k][1];
+      if ((afterQ && length(x - p.x0, y - p.y0) <= tol) ||
+          (beforeQ && length(x - q.x0, y - q.y0) <= tol))
+        continue;
+      cuts.push_back({i, std::clamp(parameterOnPiece(p, x, y), 0.0, 1.0), nodes, x, y, j});
+      cuts.push_back({j, std::clamp(parameterOnPiece(q, x, y), 0.0, 1.0), nodes, x, y, i});
+      ++nodes;
+    }
+    return false;
+  });
 }
 
 // Cuts where the raw offset of an open input enters the circle of radius |d| about either end,
 // and the raw curve's own two ends.
 void endCuts(const RoundInput& in, const std::vector<Piece>& raw, double ad, double tol,
-             const SegmentIndex& index, std::vector<Cut>& cuts, int& nodes) {
+             const PieceTree& index, std::vector<Cut>& cuts, int& nodes) {
   const int count = static_cast<int>(raw.size());
   for (int end = 0; end < 2; ++end) {
     const double* row = in.row(end == 0 ? 0 : in.rowCount - 1);
@@ -277,56 +279,126 @@ void endCuts(const RoundInput& in, const std::vector<Piece>& raw, double ad, dou
     const Piece& ownPiece = raw[static_cast<size_t>(own)];
     const double ox = end == 0 ? ownPiece.x0 : ownPiece.x1;
     const double oy = end == 0 ? ownPiece.y0 : ownPiece.y1;
-    index.visitBelowDescending(count, pieceBox(circle, tol), [&](int j) {
+    index.visit(count, pieceBox(circle, tol), 0.0, [&](int j) {
       double pts[2][2];
       const int found = meetPoints(raw[static_cast<size_t>(j)], circle, tol, pts);
       for (int k = 0; k < found; ++k) {
-        if (j == own && std::hypot(pts[k][0] - ox, pts[k][1] - oy) <= tol)
+        if (j == own && length(pts[k][0] - ox, pts[k][1] - oy) <= tol)
           continue;
         const double t = parameterOnPiece(raw[static_cast<size_t>(j)], pts[k][0], pts[k][1]);
-        cuts.push_back({j, std::clamp(t, 0.0, 1.0), nodes++, pts[k][0], pts[k][1]});
+        cuts.push_back({j, std::clamp(t, 0.0, 1.0), nodes++, pts[k][0], pts[k][1], -1});
       }
       return false;
     });
   }
-  cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0});
-  cuts.push_back({count - 1, 1.0, nodes++, raw.back().x1, raw.back().y1});
+  cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0, -1});
+  cuts.push_back({count - 1, 1.0, nodes++, raw.back().x1, raw.back().y1, -1});
+}
+
+// Whether the closed input meets itself anywhere but at the rows its neighbouring segments share.
+bool crossesItself(const RoundInput& in, const PieceTree& index, const std::vector<PieceBox>& boxes,
+                   double tol) {
+  const int count = static_cast<int>(in.segs.size());
+  std::vector<int> near;
+  return visitNearPairs(index, boxes, tol, near, [&](int i, int j) {
+    const Piece& p = in.segs[static_cast<size_t>(i)];
+    double pts[2][2];
+    const int found = meetPoints(p, in.segs[static_cast<size_t>(j)], tol, pts);
+    for (int k = 0; k < found; ++k) {
+      const bool sharedStart = j == i - 1 && length(pts[k][0] - p.x0, pts[k][1] - p.y0) <= tol;
+      const bool sharedEnd =
+          j == 0 && i == count - 1 && length(pts[k][0] - p.x1, pts[k][1] - p.y1) <= tol;
+      if (!sharedStart && !sharedEnd)
+        return true;
+    }
+    return false;
+  });
 }
 
 // Whether the run of the slice keeps at least lim from the input everywhere (a moved segment
 // is not measured against its own source, from which it keeps |d| exactly).
 bool sliceKeepsAway(const RoundInput& in, const std::vector<Piece>& raw,
-                    const SegmentIndex& inputIndex, const SlicedOffset& s, const Slice& slice,
-                    double lim, std::vector<Piece>& frags) {
-  frags.clear();
+                    const PieceTree& inputIndex, const SlicedOffset& s, const Slice& slice,
+                    double lim, bool measureAll, const std::vector<PieceBox>& segBoxes,
+                    std::vector<Piece>& frags, std::vector<PieceBox>& boxes,
+                    std::vector<int>& nearScratch) {
   const int count = static_cast<int>(raw.size());
-  forEachFragment(s, slice, count, in.closed, [&](int p, double ta, double tb) {
+  const auto fragment = [&](int p, double ta, double tb) {
     const Piece& piece = raw[static_cast<size_t>(p)];
     double xa, ya, xb, yb;
     pointOnPiece(piece, ta, &xa, &ya);
     pointOnPiece(piece, tb, &xb, &yb);
-    frags.push_back(subPiece(piece, ta, tb, xa, ya, xb, yb));
-  });
+    return subPiece(piece, ta, tb, xa, ya, xb, yb);
+  };
   const auto nearer = [&](const Piece& f, auto&& test) {
-    return inputIndex.visitBelowDescending(static_cast<int>(in.segs.size()), pieceBox(f, lim),
-                                           [&](int e) {
-                                             return !(f.kind == PieceKind::kMoved && e == f.src) &&
-                                                    test(in.segs[static_cast<size_t>(e)]);
-                                           });
+    return inputIndex.visit(static_cast<int>(in.segs.size()), pieceBox(f, 0.0), lim, [&](int e) {
+      return !(f.kind == PieceKind::kMoved && e == f.src) && test(in.segs[static_cast<size_t>(e)]);
+    });
   };
   // The middle point first: a dropped slice usually shows it there at once.
-  const Piece& mid = frags[frags.size() / 2];
+  int fragCount = 0;
+  forEachFragment(s, slice, count, in.closed, [&](int, double, double) { ++fragCount; });
+  Piece mid;
+  int k = 0;
+  forEachFragment(s, slice, count, in.closed, [&](int p, double ta, double tb) {
+    if (k++ == fragCount / 2)
+      mid = fragment(p, ta, tb);
+  });
   double mx, my;
   pointOnPiece(mid, 0.5, &mx, &my);
   Piece point = mid;
   point.r = 0.0;
   point.x0 = point.x1 = mx;
   point.y0 = point.y1 = my;
+  // Where the slice enters or leaves the band of another segment, the piece crossing there was
+  // made from that segment (or from a corner at one of its ends): asking those first settles
+  // most dropped slices without a search.
+  const int segCount = static_cast<int>(in.segs.size());
+  for (int c : {slice.from, slice.to}) {
+    const int other = s.cuts[static_cast<size_t>(c)].other;
+    if (other < 0)
+      continue;
+    const int src = raw[static_cast<size_t>(other)].src;
+    for (int e : {src, src - 1, src + 1}) {
+      const int seg = in.closed ? (e + segCount) % segCount : e;
+      if (seg >= 0 && seg < segCount && !(mid.kind == PieceKind::kMoved && seg == mid.src) &&
+          distanceToPiece(in.segs[static_cast<size_t>(seg)], mx, my) < lim)
+        return false;
+    }
+  }
   if (nearer(point, [&](const Piece& e) { return distanceToPiece(e, mx, my) < lim; }))
     return false;
-  for (const Piece& f : frags)
-    if (nearer(f, [&](const Piece& e) { return comesNearer(f, e, lim); }))
+  if (!measureAll)
+    return true;
+  frags.clear();
+  forEachFragment(s, slice, count, in.closed,
+                  [&](int p, double ta, double tb) { frags.push_back(fragment(p, ta, tb)); });
+  // Then every fragment, a run of them at a time: one walk of the tree finds the segments near
+  // the run's box, and each fragment is measured against those whose boxes come near its own.
+  constexpr size_t kRun = 16;
+  std::vector<int>& near = nearScratch;
+  for (size_t first = 0; first < frags.size(); first += kRun) {
+    const size_t last = std::min(frags.size(), first + kRun);
+    PieceBox run = pieceBox(frags[first], 0.0);
+    boxes.clear();
+    for (size_t f = first; f < last; ++f) {
+      boxes.push_back(pieceBox(frags[f], 0.0));
+      run = unite(run, boxes.back());
+    }
+    near.clear();
+    inputIndex.visit(static_cast<int>(in.segs.size()), run, lim, [&](int e) {
+      near.push_back(e);
       return false;
+    });
+    for (size_t f = first; f < last; ++f)
+      for (int e : near) {
+        const Piece& seg = in.segs[static_cast<size_t>(e)];
+        if (!(frags[f].kind == PieceKind::kMoved && e == frags[f].src) &&
+            boxGapSquared(boxes[f - first], segBoxes[static_cast<size_t>(e)]) < lim * lim &&
+            comesNearer(frags[f], seg, lim))
+          return false;
+      }
+  }
   return true;
 }
 
@@ -347,15 +419,19 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
   const int count = static_cast<int>(raw.size());
   const double ad = std::fabs(d);
   out = SlicedOffset();
-  SegmentIndex index;
-  index.build(count, [&](int i) { return pieceBox(raw[static_cast<size_t>(i)], tol); });
+  std::vector<PieceBox> boxes;  // of the raw pieces, grown by tol
+  boxes.reserve(raw.size());
+  for (const Piece& p : raw)
+    boxes.push_back(pieceBox(p, tol));
+  PieceTree index;
+  index.build(count, [&](int i) { return boxes[static_cast<size_t>(i)]; });
   std::vector<Cut>& cuts = out.cuts;
   int nodes = 0;
-  selfCuts(in, raw, tol, index, cuts, nodes);
+  selfCuts(in, raw, tol, index, boxes, cuts, nodes);
   if (!in.closed)
     endCuts(in, raw, ad, tol, index, cuts, nodes);
   else if (cuts.empty())
-    cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0});
+    cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0, -1});
   std::stable_sort(cuts.begin(), cuts.end(), [](const Cut& a, const Cut& b) {
     return a.piece < b.piece || (a.piece == b.piece && a.t < b.t);
   });
@@ -397,16 +473,23 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
     out.nodeOf[static_cast<size_t>(k)] = id;
   }
 
-  SegmentIndex inputIndex;
+  std::vector<PieceBox> segBoxes;
+  for (const Piece& seg : in.segs)
+    segBoxes.push_back(pieceBox(seg, 0.0));
+  PieceTree inputIndex;
   inputIndex.build(static_cast<int>(in.segs.size()),
-                   [&](int e) { return pieceBox(in.segs[static_cast<size_t>(e)], 0.0); });
+                   [&](int e) { return segBoxes[static_cast<size_t>(e)]; });
   const double lim = ad - std::min(tol, ad / 2.0);
+  const bool measureAll = !in.closed || crossesItself(in, inputIndex, segBoxes, tol);
   std::vector<Piece> frags;
+  std::vector<PieceBox> fragBoxes;
+  std::vector<int> near;
   for (int k = 0; k < cutCount; ++k) {
     if (empty[static_cast<size_t>(k)] || (k + 1 == cutCount && !in.closed))
       continue;
     Slice slice{k, k + 1 == cutCount ? 0 : k + 1, false};
-    slice.kept = sliceKeepsAway(in, raw, inputIndex, out, slice, lim, frags);
+    slice.kept = sliceKeepsAway(in, raw, inputIndex, out, slice, lim, measureAll, segBoxes, frags,
+                                boxes, near);
     out.slices.push_back(slice);
   }
 }

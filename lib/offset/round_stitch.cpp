@@ -117,6 +117,7 @@ void chainPieces(const SlicedOffset& s, const std::vector<Piece>& raw, bool clos
                  const std::vector<int>& chain, double tol, RoundLoop& loop) {
   const int count = static_cast<int>(raw.size());
   int lastPiece = -1;
+  loop.pieces.reserve(chain.size() * 2);
   double lastT = 0.0;
   for (int k : chain) {
     const Slice& slice = s.slices[static_cast<size_t>(k)];

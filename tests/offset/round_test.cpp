@@ -73,8 +73,7 @@ std::string invalidLoop(Polyline& in, bool closed, double d, const std::vector<L
                         double tol = 1e-6) {
   const std::vector<ValidityRow> source = validityRows(in.rows(), in.count());
   for (size_t k = 0; k < loops.size(); ++k) {
-    const std::string why =
-        offsetValidity(source, closed, loops[k].rows, loops[k].closed, d, tol);
+    const std::string why = offsetValidity(source, closed, loops[k].rows, loops[k].closed, d, tol);
     if (!why.empty())
       return "loop " + std::to_string(k) + ": " + why;
   }
@@ -94,7 +93,8 @@ std::vector<Vertex> randomStarPolygon(std::mt19937& rng, double size) {
   std::vector<Vertex> v;
   // Gaps below a half turn keep the origin inside, so the polygon runs counter-clockwise.
   for (int i = 0; i < n; ++i)
-    if ((i + 1 < n ? angles[i + 1] : angles[0] + 2 * tarnsysm_test::kPi) - angles[i] >= 0.9 * tarnsysm_test::kPi)
+    if ((i + 1 < n ? angles[i + 1] : angles[0] + 2 * tarnsysm_test::kPi) - angles[i] >=
+        0.9 * tarnsysm_test::kPi)
       return {};
   for (int i = 0; i < n; ++i) {
     const double r = size * (0.35 + 0.65 * unit(rng));
@@ -136,10 +136,6 @@ TEST(RoundOffset, random_polygons_with_arcs_give_valid_offsets) {
     for (const bool closed : {true, false}) {
       for (const double signedD : {d, -d}) {
         const std::vector<Loop> result = roundLoops(in, closed, signedD);
-        if (getenv("DUMP") && atoi(getenv("DUMP")) == cases + 1) {
-          printf("%d %.17g %d\n", closed ? 1 : 0, signedD, in.count());
-          for (int i = 0; i < in.count(); ++i) printf("%.17g %.17g %.17g\n", in[i][0], in[i][1], in[i][2]);
-        }
         ++cases;
         empty += result.empty();
         loops += static_cast<int>(result.size());
@@ -155,4 +151,186 @@ TEST(RoundOffset, random_polygons_with_arcs_give_valid_offsets) {
   RecordProperty("empty", empty);
   RecordProperty("loops", loops);
 }
+
+// The benchmark shapes in the library's rows (counter-clockwise), and a pick point on a side.
+Polyline benchShape(tarnsysm::bench::ShapeKind kind, int n) {
+  std::vector<Vertex> v;
+  for (const auto& p : tarnsysm::bench::makeShape(kind, n))
+    v.push_back({p.x, p.y, p.bulge});
+  return Polyline(v);
+}
+
+double loopArea(const Loop& loop) {
+  namespace vd = tarnsysm_test::validity_detail;
+  return vd::area(vd::segments(loop.rows, true, 0.0));
+}
+
+// The star of thin spikes offset inwards by 2 is a scalloped ring at distance 2 everywhere (a
+// sharp-cornered offset of it turns into reversed islands); gears both ways.
+TEST(RoundOffset, star_and_gear_offsets_are_valid) {
+  using tarnsysm::bench::ShapeKind;
+  Polyline star = benchShape(ShapeKind::kStar, 1000);
+  const std::vector<Loop> ring = roundLoops(star, true, -2.0);
+  ASSERT_EQ(ring.size(), 1u);
+  EXPECT_EQ(invalidLoop(star, true, -2.0, ring), "");
+  EXPECT_NEAR(loopArea(ring[0]), 19124.0, 1.0);
+  const struct {
+    int n;
+    double d;
+  } gears[] = {{100, -3.0}, {100, 0.5}, {1000, -0.5}, {1000, 3.0}};
+  for (const auto& g : gears) {
+    Polyline gear = benchShape(ShapeKind::kGear, g.n);
+    const std::vector<Loop> loops = roundLoops(gear, true, g.d);
+    EXPECT_EQ(loops.size(), 1u) << "gear " << g.n << " d " << g.d;
+    EXPECT_EQ(invalidLoop(gear, true, g.d, loops), "") << "gear " << g.n << " d " << g.d;
+  }
+}
+
+// Where no corner needs rounding (every corner turns towards the offset, or the outline is
+// smooth), both engines make the same polyline, row for row.
+TEST(RoundOffset, equals_sharp_offset_without_corners_to_round) {
+  using tarnsysm::bench::ShapeKind;
+  const struct {
+    const char* name;
+    std::vector<Vertex> shape;
+    double d;
+  } cases[] = {
+      {"circle_of_two_arcs_out", tarnsysm_test::circleOfTwoArcs(0.0, 0.0, 10.0), 2.0},
+      {"circle_of_two_arcs_in", tarnsysm_test::circleOfTwoArcs(0.0, 0.0, 10.0), -7.0},
+      {"rounded_rectangle_out", tarnsysm_test::roundedRectangle(40.0, 20.0, 4.0), 3.0},
+      {"rounded_rectangle_in", tarnsysm_test::roundedRectangle(40.0, 20.0, 4.0), -3.0},
+  };
+  for (const auto& c : cases) {
+    Polyline round(c.shape), sharp(c.shape);
+    const std::vector<Loop> loops = roundLoops(round, true, c.d);
+    int closed = 1;
+    double pick[2] = {c.d > 0.0 ? 100.0 : 0.1, 0.05};
+    const int n = PLineOffset(kEps, &closed, sharp.count(), sharp.rows(), 0, pick, c.d);
+    ASSERT_EQ(loops.size(), 1u) << c.name;
+    ASSERT_EQ(static_cast<int>(loops[0].rows.size()), n) << c.name;
+    for (int i = 0; i < n; ++i) {
+      EXPECT_NEAR(loops[0].rows[i].x, sharp[i][0], 1e-9) << c.name << " row " << i;
+      EXPECT_NEAR(loops[0].rows[i].y, sharp[i][1], 1e-9) << c.name << " row " << i;
+      EXPECT_NEAR(loops[0].rows[i].bulge, sharp[i][2], 1e-9) << c.name << " row " << i;
+    }
+  }
+}
+
+// A square offset outwards: each side moved (keeping its row's attributes) and a quarter circle
+// at each corner (field 3 -1.0, field 4 from the corner's row); the buffers are exactly the room
+// asked for, and one row or one loop less leaves them untouched.
+TEST(RoundOffset, square_outwards_rounds_every_corner_and_reports_its_room) {
+  Polyline square(tarnsysm_test::rectangle(0.0, 0.0, 10.0, 10.0));
+  const std::vector<Loop> loops = roundLoops(square, true, 1.0);
+  ASSERT_EQ(loops.size(), 1u);
+  ASSERT_EQ(loops[0].rows.size(), 8u);
+  EXPECT_NEAR(loopArea(loops[0]), 100.0 + 40.0 + tarnsysm_test::kPi, 1e-9);
+  for (int i = 0; i < 8; ++i) {
+    const int vertex = (i / 2 + i % 2) % 4;
+    EXPECT_EQ(loops[0].attr3[i], i % 2 == 0 ? 100.0 + vertex : -1.0) << "row " << i;
+    EXPECT_EQ(loops[0].attr4[i], 200.0 + vertex) << "row " << i;
+  }
+  for (const auto& room : {std::pair<int, int>{7, 1}, {8, 0}}) {
+    Polyline out(std::vector<Vertex>(8, Vertex{0, 0, 0}), 1);
+    for (int i = 0; i < 8; ++i)
+      out[i][0] = Polyline::kSentinel;
+    int start = -5, closedFlag = -5, count = -5;
+    EXPECT_EQ(PLineOffsetRound(kEps, 1, 4, square.rows(), 1.0, out.rows(), room.first, &start,
+                               &closedFlag, room.second, &count),
+              -8);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(start, -5);
+    EXPECT_EQ(closedFlag, -5);
+    for (int i = 0; i < 8; ++i)
+      EXPECT_EQ(out[i][0], Polyline::kSentinel);
+  }
+}
+
+TEST(RoundOffset, bad_input_gives_nothing) {
+  Polyline square(tarnsysm_test::rectangle(0.0, 0.0, 10.0, 10.0));
+  Polyline nanRow({{0, 0, 0}, {kNaN, 1, 0}, {1, 1, 0}});
+  Polyline infBulge({{0, 0, 0}, {1, 0, tarnsysm::test::kInf}, {1, 1, 0}});
+  Polyline onePoint({{1, 1, 0}, {1, 1 + kEps / 2, 0}});
+  const struct {
+    const char* name;
+    double eps;
+    int n;
+    double (*rows)[5];
+    double d;
+  } cases[] = {
+      {"no_rows", kEps, 0, square.rows(), 1.0},
+      {"negative_count", kEps, -3, square.rows(), 1.0},
+      {"null_rows", kEps, 4, nullptr, 1.0},
+      {"nan_coordinate", kEps, 3, nanRow.rows(), 1.0},
+      {"infinite_bulge", kEps, 3, infBulge.rows(), 1.0},
+      {"one_distinct_vertex", kEps, 2, onePoint.rows(), 1.0},
+      {"nan_distance", kEps, 4, square.rows(), kNaN},
+      {"infinite_distance", kEps, 4, square.rows(), tarnsysm::test::kInf},
+      {"distance_below_eps", kEps, 4, square.rows(), kEps / 2},
+      {"negative_eps", -1.0, 4, square.rows(), 1.0},
+      {"nan_eps", kNaN, 4, square.rows(), 1.0},
+      {"collapsed", kEps, 4, square.rows(), -5.5},
+  };
+  for (const auto& c : cases) {
+    int count = -5;
+    double out[16][5];
+    int start[4], closed[4];
+    EXPECT_EQ(PLineOffsetRound(c.eps, 1, c.n, c.rows, c.d, out, 16, start, closed, 4, &count), 0)
+        << c.name;
+    EXPECT_EQ(count, 0) << c.name;
+  }
+}
+
+// The loop nearest the pick: the side from the picked point, and with `through` its distance.
+TEST(RoundOffset, pick_chooses_side_distance_and_loop) {
+  // Two rooms joined by a corridor 1 wide: inwards by 1 the offset splits into two loops.
+  Polyline rooms({{0, 0, 0},
+                  {10, 0, 0},
+                  {10, 4.5, 0},
+                  {14, 4.5, 0},
+                  {14, 0, 0},
+                  {24, 0, 0},
+                  {24, 10, 0},
+                  {14, 10, 0},
+                  {14, 5.5, 0},
+                  {10, 5.5, 0},
+                  {10, 10, 0},
+                  {0, 10, 0}});
+  ASSERT_EQ(roundLoops(rooms, true, -1.0).size(), 2u);
+  const struct {
+    const char* name;
+    double pick[2];
+    int through;
+    double dist;
+    int rows;       // of the chosen loop, 0 for none
+    double xLeast;  // its least x
+  } cases[] = {
+      // Each room: four sides, the one at the corridor broken by the round corners about its
+      // mouth (meeting sqrt(0.75) from the wall); outside: twelve sides and eight round
+      // corners; through the pick 3 away the corridor's notches close, under two corners each.
+      {"left_room", {2.0, 2.0}, 0, 1.0, 7, 1.0},
+      {"right_room", {20.0, 8.0}, 0, 1.0, 7, 14.0 + std::sqrt(0.75)},
+      {"outside", {-3.0, 5.0}, 0, 1.0, 20, -1.0},
+      {"through", {-3.0, 5.0}, 1, 0.0, 14, -3.0},
+      {"on_the_outline", {5.0, 0.0}, 0, 1.0, 0, 0.0},
+  };
+  for (const auto& c : cases) {
+    double out[32][5];
+    int closed = -5;
+    double pick[2] = {c.pick[0], c.pick[1]};
+    const int n = PLineOffsetRoundPick(kEps, 1, rooms.count(), rooms.rows(), c.through, pick,
+                                       c.dist, out, 32, &closed);
+    ASSERT_EQ(n, c.rows) << c.name;
+    if (n == 0) {
+      EXPECT_EQ(closed, -5) << c.name;
+      continue;
+    }
+    EXPECT_EQ(closed, 1) << c.name;
+    double xLeast = out[0][0];
+    for (int i = 1; i < n; ++i)
+      xLeast = std::min(xLeast, out[i][0]);
+    EXPECT_NEAR(xLeast, c.xLeast, 1e-9) << c.name;
+  }
+}
+
 }  // namespace
