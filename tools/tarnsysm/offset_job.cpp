@@ -1,6 +1,6 @@
-// Tarnsysm tool: offsetting the polylines of a drawing with the library's PLineOffset.
-// The library rewrites rows in place in an array of twice the row count; the tool hands it a
-// scratch copy so the drawing's own polyline is kept for the output.
+// Tarnsysm tool: offsetting the polylines of a drawing with the library's PLineOffset and its
+// round-corner engine. PLineOffset rewrites rows in place in an array of twice the row count;
+// the tool hands it a scratch copy so the drawing's own polyline is kept for the output.
 #include "offset_job.h"
 
 #include <Tarnsysm.h>
