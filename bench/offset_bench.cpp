@@ -91,15 +91,15 @@ void offsetShapeRound(benchmark::State& state, ShapeKind kind, Side side, double
   // Counter-clockwise shapes: outward is to the right of travel.
   const double d = side == Side::kOutward ? distance : -distance;
   int loops = 0;
-  const int need = -PLineOffsetRound(kEps, 1, n, source.get(), d, nullptr, 0, nullptr, nullptr, 0,
-                                     &loops);
+  const int need =
+      -PLineOffsetRound(kEps, 1, n, source.get(), d, nullptr, 0, nullptr, nullptr, 0, &loops);
   std::vector<double> out(5 * static_cast<std::size_t>(need > 0 ? need : 1));
   std::vector<int> starts(static_cast<std::size_t>(loops > 0 ? loops : 1)), closed(starts.size());
   int result = 0;
   for (auto _ : state) {
-    result = PLineOffsetRound(kEps, 1, n, source.get(), d,
-                              reinterpret_cast<double(*)[5]>(out.data()), need,
-                              starts.data(), closed.data(), loops, &loops);
+    result =
+        PLineOffsetRound(kEps, 1, n, source.get(), d, reinterpret_cast<double(*)[5]>(out.data()),
+                         need, starts.data(), closed.data(), loops, &loops);
     benchmark::DoNotOptimize(result);
     benchmark::ClobberMemory();
   }
