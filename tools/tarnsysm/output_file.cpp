@@ -67,40 +67,49 @@ OutputFile::OutputFile(std::string name) : name_(std::move(name)) {
   if (name_.empty() || name_.back() == '/')
     throw std::runtime_error("'" + name_ + "' is not a file name");
 
-  target_ = name_;
+  // An existing target: stat follows every link, the kernel's own (/dev/stdout) included.
   struct stat info;
-  for (int links = 0;; ++links) {
-    if (lstat(target_.c_str(), &info) != 0) {
-      if (errno != ENOENT)
-        fail(std::strerror(errno));
-      break;
-    }
-    if (!S_ISLNK(info.st_mode)) {
-      exists_ = true;
-      break;
-    }
-    if (links == kMostLinks)
-      fail("too many levels of symbolic links");
-    std::vector<char> link(PATH_MAX + 1);
-    const ssize_t length = readlink(target_.c_str(), link.data(), PATH_MAX);
-    if (length < 0)
-      fail(std::strerror(errno));
-    const std::string to(link.data(), static_cast<std::size_t>(length));
-    target_ = to.front() == '/' ? to : directoryOf(target_) + "/" + to;
-  }
-  if (exists_) {
+  if (stat(name_.c_str(), &info) == 0) {
     if (S_ISDIR(info.st_mode))
       fail("it is a directory");
+    exists_ = true;
     device_ = info.st_dev;
     inode_ = info.st_ino;
     mode_ = info.st_mode & 07777;
     owner_ = info.st_uid;
     group_ = info.st_gid;
-    kind_ = S_ISREG(info.st_mode) ? Kind::kReplace : Kind::kDirect;
+    if (!S_ISREG(info.st_mode)) {
+      // A device, FIFO or socket: written through its name, never replaced.
+      kind_ = Kind::kDirect;
+      target_ = canonical_ = name_;
+      return;
+    }
     // Renaming over a file needs only the folder's permission: a file its owner made read-only
     // is not to be replaced.
-    if (access(target_.c_str(), W_OK) != 0)
+    if (access(name_.c_str(), W_OK) != 0)
       fail(std::strerror(errno));
+    char* real = realpath(name_.c_str(), nullptr);
+    if (real == nullptr)
+      fail(std::strerror(errno));
+    target_ = canonical_ = real;
+    free(real);
+    return;
+  }
+  if (errno != ENOENT)
+    fail(std::strerror(errno));
+
+  // A new file, perhaps named through a link that points nowhere yet: follow the links by hand
+  // to the path to create, so that the link stays.
+  target_ = name_;
+  for (int links = 0; lstat(target_.c_str(), &info) == 0 && S_ISLNK(info.st_mode); ++links) {
+    if (links == kMostLinks)
+      fail("too many levels of symbolic links");
+    std::vector<char> link(PATH_MAX + 1);
+    const ssize_t length = readlink(target_.c_str(), link.data(), PATH_MAX);
+    if (length <= 0)
+      fail(std::strerror(errno));
+    const std::string to(link.data(), static_cast<std::size_t>(length));
+    target_ = to.front() == '/' ? to : directoryOf(target_) + "/" + to;
   }
   char* directory = realpath(directoryOf(target_).c_str(), nullptr);
   if (directory == nullptr)
