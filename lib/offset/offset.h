@@ -115,7 +115,18 @@ TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1
 /// to the right of travel); with `through` non-zero the offset passes through the point and dist
 /// is ignored, otherwise it moves |dist|. The offset advances in steps, none longer than the
 /// distance at which a segment would shrink to a point or an arc to its centre, and trims after
-/// each step.
+/// each step. A closed polyline of two rows with an arc steps only as far as its two moved
+/// segments still meet (moved circles tangent, or the moved line tangent to the moved circle);
+/// distance left after that step means it has collapsed. The trimming of a step (unlike
+/// TrimLoopS called on its own) never keeps a closed loop whose signed area has the opposite
+/// sign of the polyline the step started from: such a loop is a piece turned inside out, not a
+/// part of the offset.
+///
+/// Before it returns, the result is checked against the polyline as trimmed on entry, with exact
+/// line and arc distances: it must come no nearer to it than |distance| - eps anywhere, reach
+/// |distance| + eps somewhere, and, both being closed, run the same way round (signed areas of
+/// the same sign). Where it does not, the offset cannot be made with sharp corners, and the
+/// result is 0.
 ///
 /// Room: v must hold 2n rows. Each step writes the moved rows from row 0 up while reading a copy
 /// of the current rows kept at the top of those 2n rows; rows beyond the result are scratch.
@@ -125,7 +136,9 @@ TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1
 /// Returns the row count of the result (2 or more), or 0 when the offset cannot be made: the
 /// picked point lies on the polyline (within eps) or its distance cannot be measured, the
 /// polyline collapses, a two-row polyline would need more than one step, a step would not fit,
-/// the distance is not finite, or more than 4n + 256 steps would be needed. On 0 the rows are
+/// the distance is not finite, more than 4n + 256 steps would be needed, the final check fails
+/// (the offset cannot be made with sharp corners), or memory for the copy that the check reads
+/// runs out. On 0 the rows are
 /// left as the last step left them: keep a copy. A non-zero *closed is set to 1; trimming may
 /// set it to 1 when a loop is kept, and a closed result of two straight rows is returned open.
 TARNSYSM_API int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
@@ -165,14 +178,17 @@ TARNSYSM_API int TrimLoop0(double eps, int closed, int n, double (*const v)[5]);
 
 /// Removes every self-intersection loop in place, keeping the piece nearest to the picked point
 /// pick: each segment is tested against the earlier ones, nearest first, and the first crossing
-/// cuts a loop out. A loop the picked point lies on is returned at once; otherwise the remaining
-/// polyline is kept unless a loop lies strictly nearer (by PLineDist), in which case that loop
-/// is returned. A returned loop sets *closed to 1. Rows are only ever removed or cut: the result
-/// has at most n rows, none written beyond row n - 1. A cut row takes the attributes of the row
-/// that ends the loop; rows inside a returned loop keep theirs. Straight segments cross an arc
-/// only where the crossing lies on the arc and within the straight segment. Returns the new row
-/// count (0 for n <= 0). If memory runs out, the rows and *closed are left untouched and n is
-/// returned.
+/// cuts a loop out. Segments that share a row (i - 1 and i, and on a closed polyline the closing
+/// segment and segment 0, which share row 0) cut a loop only where they meet a second time; of
+/// their two points the one farther from the shared row is cut (for the closing segment, the
+/// one farther from row 0 along segment 0). A simple closed polygon comes back as itself. A loop
+/// the picked point lies on is returned at once; otherwise the remaining polyline is kept unless a
+/// loop lies strictly nearer (by PLineDist), in which case that loop is returned. A returned loop
+/// sets *closed to 1. Rows are only ever removed or cut: the result has at most n rows, none
+/// written beyond row n - 1. A cut row takes the attributes of the row that ends the loop; rows
+/// inside a returned loop keep theirs. Straight segments cross an arc only where the crossing lies
+/// on the arc and within the straight segment. Returns the new row count (0 for n <= 0). If memory
+/// runs out, the rows and *closed are left untouched and n is returned.
 TARNSYSM_API int TrimLoopS(double eps, double* const pick, int* closed, int n,
                            double (*const v)[5]);
 

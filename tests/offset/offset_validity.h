@@ -30,28 +30,14 @@ constexpr double kTwoPi = 6.283185307179586;
 
 struct P {
   double x, y;
+  P operator+(P o) const { return {x + o.x, y + o.y}; }
+  P operator-(P o) const { return {x - o.x, y - o.y}; }
+  P operator*(double k) const { return {k * x, k * y}; }
+  double dot(P o) const { return x * o.x + y * o.y; }
+  double cross(P o) const { return x * o.y - y * o.x; }
+  double len() const { return std::hypot(x, y); }
+  P unit() const { return *this * (1.0 / len()); }
 };
-inline P operator+(P a, P b) {
-  return {a.x + b.x, a.y + b.y};
-}
-inline P operator-(P a, P b) {
-  return {a.x - b.x, a.y - b.y};
-}
-inline P operator*(double k, P a) {
-  return {k * a.x, k * a.y};
-}
-inline double dot(P a, P b) {
-  return a.x * b.x + a.y * b.y;
-}
-inline double cross(P a, P b) {
-  return a.x * b.y - a.y * b.x;
-}
-inline double len(P a) {
-  return std::hypot(a.x, a.y);
-}
-inline P unit(P a) {
-  return (1.0 / len(a)) * a;
-}
 
 // A line from a to b, or an arc about c of radius r that starts at angle a0 and sweeps `sweep`
 // (positive counter-clockwise). lo/hi bound it (an arc by its whole circle).
@@ -61,166 +47,50 @@ struct Seg {
   P c;
   double r, a0, sweep;
   P lo, hi;
+
+  // Whether p, known to lie on the line or circle, lies on the segment, widened by slack (a
+  // length) at both ends.
+  bool holds(P p, double slack) const {
+    if (!arc) {
+      const double u = (p - a).dot(b - a) / (b - a).dot(b - a), du = slack / (b - a).len();
+      return u >= -du && u <= 1.0 + du;
+    }
+    double t = std::fmod((std::atan2(p.y - c.y, p.x - c.x) - a0) * (sweep > 0 ? 1 : -1), kTwoPi);
+    t += t < 0.0 ? kTwoPi : 0.0;
+    return t <= std::fabs(sweep) + slack / r || t >= kTwoPi - slack / r;
+  }
+
+  // Distance from p, and through *side its side (+1 right of travel, -1 left) when the nearest
+  // point is inside the segment, else 0.
+  double distance(P p, int* side = nullptr) const {
+    const double u = (p - a).dot(b - a) / (b - a).dot(b - a), rho = (p - c).len();
+    const bool inside = arc ? rho > 0.0 && holds(p, 0.0) : u > 0.0 && u < 1.0;
+    const double off = arc ? (rho - r) * (sweep > 0 ? 1 : -1) : -(b - a).cross(p - a);
+    if (side)
+      *side = inside && off != 0.0 ? (off > 0.0 ? 1 : -1) : 0;
+    if (arc)
+      return inside ? std::fabs(rho - r) : std::min((p - a).len(), (p - b).len());
+    return (p - (a + (b - a) * std::clamp(u, 0.0, 1.0))).len();
+  }
 };
 
 // A bulge b = tan(theta/4) puts the centre on the left of the chord at (1 - b^2)/(4b) chord
 // lengths from its midpoint (on the right for b < 0 or b > 1), radius chord (1 + b^2)/(4|b|).
 inline Seg makeSeg(const ValidityRow& s, const ValidityRow& e) {
-  Seg g{};
-  g.a = {s.x, s.y};
-  g.b = {e.x, e.y};
   const double b = s.bulge;
-  g.arc = std::fabs(b) > 1e-9;  // below this the sagitta is far under any tolerance used
-  if (!g.arc) {
-    g.lo = {std::min(s.x, e.x), std::min(s.y, e.y)};
-    g.hi = {std::max(s.x, e.x), std::max(s.y, e.y)};
+  Seg g{{s.x, s.y}, {e.x, e.y}, std::fabs(b) > 1e-9, {0, 0}, 0, 0, 0, {0, 0}, {0, 0}};
+  g.lo = {std::min(s.x, e.x), std::min(s.y, e.y)};
+  g.hi = {std::max(s.x, e.x), std::max(s.y, e.y)};
+  if (!g.arc)  // below 1e-9 the sagitta is far under any tolerance used
     return g;
-  }
   const P chord = g.b - g.a;
-  const double k = (1.0 - b * b) / (4.0 * b);
-  g.c = 0.5 * (g.a + g.b) + k * P{-chord.y, chord.x};
-  g.r = len(chord) * (1.0 + b * b) / (4.0 * std::fabs(b));
+  g.c = (g.a + g.b) * 0.5 + P{-chord.y, chord.x} * ((1.0 - b * b) / (4.0 * b));
+  g.r = chord.len() * (1.0 + b * b) / (4.0 * std::fabs(b));
   g.a0 = std::atan2(g.a.y - g.c.y, g.a.x - g.c.x);
   g.sweep = 4.0 * std::atan(b);
   g.lo = g.c - P{g.r, g.r};
   g.hi = g.c + P{g.r, g.r};
   return g;
-}
-
-// Whether p, known to lie on the segment's line or circle, lies on the segment; slack (a length)
-// widens it at both ends.
-inline bool onSeg(const Seg& g, P p, double slack) {
-  if (!g.arc) {
-    const P d = g.b - g.a;
-    const double u = dot(p - g.a, d) / dot(d, d), du = slack / len(d);
-    return u >= -du && u <= 1.0 + du;
-  }
-  double t =
-      std::fmod((std::atan2(p.y - g.c.y, p.x - g.c.x) - g.a0) * (g.sweep > 0 ? 1 : -1), kTwoPi);
-  if (t < 0.0)
-    t += kTwoPi;
-  const double dt = slack / g.r;
-  return t <= std::fabs(g.sweep) + dt || t >= kTwoPi - dt;
-}
-
-// Distance from p to the segment, and through *side its side (+1 right of travel, -1 left) when
-// the nearest point is inside the segment, else 0.
-inline double pointDist(const Seg& g, P p, int* side = nullptr) {
-  const P d = g.b - g.a;
-  double dist;
-  bool inside;
-  if (g.arc) {
-    const double rho = len(p - g.c);
-    inside = rho > 0.0 && onSeg(g, p, 0.0);
-    dist = inside ? std::fabs(rho - g.r) : std::min(len(p - g.a), len(p - g.b));
-    if (side)
-      *side = inside && rho != g.r ? ((rho > g.r) == (g.sweep > 0) ? 1 : -1) : 0;
-    return dist;
-  }
-  const double u = dot(p - g.a, d) / dot(d, d);
-  inside = u > 0.0 && u < 1.0;
-  dist = len(p - (g.a + std::clamp(u, 0.0, 1.0) * d));
-  if (side)
-    *side = inside && cross(d, p - g.a) != 0.0 ? (cross(d, p - g.a) < 0.0 ? 1 : -1) : 0;
-  return dist;
-}
-
-struct Hits {
-  P p[4];
-  int n = 0;
-  void add(P q) {
-    if (n < 4)
-      p[n++] = q;
-  }
-};
-
-// Points of the line through a with direction u (unit) that lie on circle (c, r), within slack.
-inline void lineCircle(P a, P u, P c, double r, double slack, Hits& out, const Seg& s,
-                       const Seg& t) {
-  const P foot = a + dot(c - a, u) * u;
-  const double h = len(foot - c);
-  if (h > r + slack)
-    return;
-  const double half = std::sqrt(std::max(0.0, r * r - h * h));  // round-off at tangency
-  for (double sign : {-1.0, 1.0}) {
-    const P q = foot + (sign * half) * u;
-    if (onSeg(s, q, slack) && onSeg(t, q, slack))
-      out.add(q);
-    if (half == 0.0)
-      break;
-  }
-}
-
-// Points shared by two segments within slack (overlapping pieces give their end points).
-inline Hits crossings(const Seg& s, const Seg& t, double slack) {
-  Hits out;
-  if (s.lo.x > t.hi.x + slack || t.lo.x > s.hi.x + slack || s.lo.y > t.hi.y + slack ||
-      t.lo.y > s.hi.y + slack)
-    return out;
-  auto overlapEnds = [&] {
-    for (const Seg* g : {&s, &t}) {
-      const Seg& o = g == &s ? t : s;
-      for (P q : {g->a, g->b})
-        if (pointDist(o, q) <= slack)
-          out.add(q);
-    }
-  };
-  if (!s.arc && !t.arc) {
-    const P d1 = s.b - s.a, d2 = t.b - t.a;
-    const double den = cross(d1, d2);
-    if (std::fabs(den) > 1e-12 * len(d1) * len(d2)) {
-      const P q = s.a + (cross(t.a - s.a, d2) / den) * d1;
-      if (onSeg(s, q, slack) && onSeg(t, q, slack))
-        out.add(q);
-    } else if (std::fabs(cross(d1, t.a - s.a)) / len(d1) <= slack) {
-      overlapEnds();
-    }
-  } else if (!s.arc || !t.arc) {
-    const Seg& line = s.arc ? t : s;
-    const Seg& arc = s.arc ? s : t;
-    lineCircle(line.a, unit(line.b - line.a), arc.c, arc.r, slack, out, s, t);
-  } else {
-    const P e = t.c - s.c;
-    const double dcc = len(e);
-    if (dcc <= 1e-12 * (s.r + t.r)) {
-      if (std::fabs(s.r - t.r) <= slack)
-        overlapEnds();
-    } else if (dcc <= s.r + t.r + slack && dcc >= std::fabs(s.r - t.r) - slack) {
-      // The common chord is perpendicular to the centre line, at m from s's centre.
-      const double m = (s.r * s.r - t.r * t.r + dcc * dcc) / (2.0 * dcc);
-      lineCircle(s.c + m * unit(e), unit(P{-e.y, e.x}), s.c, s.r, slack, out, s, t);
-    }
-  }
-  return out;
-}
-
-// Candidate nearest points on s against t: its ends and the interior points where the shortest
-// connection can be normal to both (the point of a circle facing the other's line or centre, the
-// foot of the other circle's centre on a line); the distance to t from the best of them.
-inline double candidateDist(const Seg& s, const Seg& t) {
-  double best = std::min(pointDist(t, s.a), pointDist(t, s.b));
-  auto consider = [&](P q) {
-    if (onSeg(s, q, 0.0))
-      best = std::min(best, pointDist(t, q));
-  };
-  if (s.arc) {
-    const P dir = t.arc ? t.c - s.c : P{t.a.y - t.b.y, t.b.x - t.a.x};
-    if (len(dir) > 0.0) {
-      consider(s.c + s.r * unit(dir));
-      consider(s.c - s.r * unit(dir));
-    }
-  } else if (t.arc) {
-    const P u = unit(s.b - s.a);
-    consider(s.a + dot(t.c - s.a, u) * u);
-  }
-  return best;
-}
-
-// Exact distance between two segments: 0 where they meet, else the nearest candidate pair.
-inline double segDist(const Seg& s, const Seg& t) {
-  if (crossings(s, t, 0.0).n > 0)
-    return 0.0;
-  return std::min(candidateDist(s, t), candidateDist(t, s));
 }
 
 // Distance between two boxes (a point is a box of its own): never more than between their contents.
@@ -229,14 +99,81 @@ inline double boxGap(P lo1, P hi1, P lo2, P hi2) {
                     std::max({0.0, lo1.y - hi2.y, lo2.y - hi1.y}));
 }
 
+// Points shared by two segments within slack (overlapping pieces give their end points).
+inline std::vector<P> crossings(const Seg& s, const Seg& t, double slack) {
+  std::vector<P> out;
+  if (boxGap(s.lo, s.hi, t.lo, t.hi) > slack)
+    return out;
+  const auto keep = [&](P q) {
+    if (s.holds(q, slack) && t.holds(q, slack))
+      out.push_back(q);
+  };
+  const auto overlapEnds = [&] {
+    for (P q : {s.a, s.b, t.a, t.b})
+      if (s.distance(q) <= slack && t.distance(q) <= slack)
+        out.push_back(q);
+  };
+  // The line through `from` in unit direction u against the circle (c, r).
+  const auto lineCircle = [&](P from, P u, P c, double r) {
+    const P foot = from + u * (c - from).dot(u);
+    const double h = (foot - c).len();
+    const double half = std::sqrt(std::max(0.0, r * r - h * h));  // round-off at tangency
+    if (h <= r + slack)
+      for (double sign : {-1.0, 1.0})
+        keep(foot + u * (sign * half));
+  };
+  if (!s.arc && !t.arc) {
+    const P d1 = s.b - s.a, d2 = t.b - t.a;
+    const double den = d1.cross(d2);
+    if (std::fabs(den) > 1e-12 * d1.len() * d2.len())
+      keep(s.a + d1 * ((t.a - s.a).cross(d2) / den));
+    else if (std::fabs(d1.cross(t.a - s.a)) / d1.len() <= slack)
+      overlapEnds();
+  } else if (!s.arc || !t.arc) {
+    const Seg& line = s.arc ? t : s;
+    const Seg& arc = s.arc ? s : t;
+    lineCircle(line.a, (line.b - line.a).unit(), arc.c, arc.r);
+  } else {
+    const P e = t.c - s.c;
+    const double dcc = e.len();
+    if (dcc <= 1e-12 * (s.r + t.r) && std::fabs(s.r - t.r) <= slack)
+      overlapEnds();
+    else if (dcc > 1e-12 * (s.r + t.r) && dcc <= s.r + t.r + slack &&
+             dcc >= std::fabs(s.r - t.r) - slack)  // the common chord, square to the centre line
+      lineCircle(s.c + e.unit() * ((s.r * s.r - t.r * t.r + dcc * dcc) / (2.0 * dcc)),
+                 P{-e.y, e.x}.unit(), s.c, s.r);
+  }
+  return out;
+}
+
+// Exact distance between two segments: 0 where they meet; else reached at an end of one, or
+// where the connection is normal to both (a circle's points facing the other's centre or square
+// to its line, the foot of a centre on a line).
+inline double segDist(const Seg& s, const Seg& t) {
+  if (!crossings(s, t, 0.0).empty())
+    return 0.0;
+  double best = std::numeric_limits<double>::infinity();
+  for (const auto& [u, w] : {std::pair<const Seg&, const Seg&>(s, t), {t, s}}) {
+    best = std::min({best, w.distance(u.a), w.distance(u.b)});
+    std::vector<P> inner;
+    const P dir = w.arc ? w.c - u.c : P{w.a.y - w.b.y, w.b.x - w.a.x};
+    if (u.arc && dir.len() > 0.0)
+      inner = {u.c + dir.unit() * u.r, u.c - dir.unit() * u.r};
+    else if (!u.arc && w.arc)
+      inner = {u.a + (u.b - u.a).unit() * (w.c - u.a).dot((u.b - u.a).unit())};
+    for (P q : inner)
+      if (u.holds(q, 0.0))
+        best = std::min(best, w.distance(q));
+  }
+  return best;
+}
+
 inline std::vector<Seg> segments(const std::vector<ValidityRow>& v, bool closed, double minLen) {
   std::vector<Seg> out;
-  const size_t n = v.size(), count = closed ? n : (n > 0 ? n - 1 : 0);
-  for (size_t i = 0; i < count && n > 1; ++i) {
-    const ValidityRow& e = v[(i + 1) % n];
-    if (std::hypot(e.x - v[i].x, e.y - v[i].y) > minLen)
-      out.push_back(makeSeg(v[i], e));
-  }
+  const size_t n = v.size(), count = n < 2 ? 0 : closed ? n : n - 1;
+  for (size_t i = 0; i < count; ++i)
+    if (std::hypot(v[(i + 1) % n].x - v[i].x, v[(i + 1) % n].y - v[i].y) > minLen)
+      out.push_back(makeSeg(v[i], v[(i + 1) % n]));
   return out;
 }
 
@@ -244,22 +181,78 @@ inline std::vector<Seg> segments(const std::vector<ValidityRow>& v, bool closed,
 // r^2 (theta - sin theta)/2, which carries theta's sign.
 inline double area(const std::vector<Seg>& segs) {
   double sum = 0.0;
-  for (const Seg& g : segs) {
-    sum += cross(g.a, g.b) / 2.0;
-    if (g.arc)
-      sum += g.r * g.r * (g.sweep - std::sin(g.sweep)) / 2.0;
-  }
+  for (const Seg& g : segs)
+    sum += g.a.cross(g.b) / 2.0 + (g.arc ? g.r * g.r * (g.sweep - std::sin(g.sweep)) / 2.0 : 0.0);
   return sum;
+}
+
+inline int sideOf(const std::vector<Seg>& src, P q, double tol, double* nearest = nullptr) {
+  double best = std::numeric_limits<double>::infinity();
+  for (const Seg& s : src)
+    if (boxGap(q, q, s.lo, s.hi) < best)
+      best = std::min(best, s.distance(q));
+  int right = 0, left = 0, side = 0;
+  for (const Seg& s : src)
+    if (boxGap(q, q, s.lo, s.hi) <= best + tol && s.distance(q, &side) <= best + tol)
+      (side > 0 ? right : left) += side != 0;
+  if (nearest)
+    *nearest = best;
+  return right > 0 && left == 0 ? 1 : left > 0 && right == 0 ? -1 : 0;
 }
 
 }  // namespace validity_detail
 
+/// Signed area enclosed by the rows taken as closed, positive counter-clockwise.
+inline double signedArea(const std::vector<ValidityRow>& rows) {
+  return validity_detail::area(validity_detail::segments(rows, true, 0.0));
+}
+
+/// The side of point p from the source, +1 right of travel, -1 left, judged by the source
+/// segments nearest to p (within tol) whose nearest point lies inside them: -1 or +1 when they
+/// all agree, 0 when there is none or they disagree.
+inline int sideOf(const std::vector<ValidityRow>& source, bool closed, double px, double py,
+                  double tol = 1e-6) {
+  return validity_detail::sideOf(validity_detail::segments(source, closed, 0.0), {px, py}, tol);
+}
+
+/// Empty when the polyline neither crosses nor touches itself (neighbouring segments meet only
+/// at their shared row, within tol), else which segments meet.
+inline std::string selfCrossing(const std::vector<ValidityRow>& rows, bool closed,
+                                double tol = 1e-6) {
+  const auto segs = validity_detail::segments(rows, closed, tol * 1e-3);
+  for (size_t i = 0, m = segs.size(); i < m; ++i)
+    for (size_t j = i + 1; j < m; ++j)
+      for (const auto& q : validity_detail::crossings(segs[i], segs[j], tol * 1e-3))
+        if (!(j == i + 1 && (q - segs[i].b).len() <= tol) &&
+            !(closed && i == 0 && j == m - 1 && (q - segs[0].a).len() <= tol))
+          return "crosses itself at segments " + std::to_string(i) + " and " + std::to_string(j);
+  return "";
+}
+
+/// The exact least distance between the result and the source (0 where they meet), and through
+/// *sameWay whether, both being closed, they enclose areas of the same sign (true otherwise).
+inline double offsetGap(const std::vector<ValidityRow>& source, bool sourceClosed,
+                        const std::vector<ValidityRow>& result, bool resultClosed,
+                        bool* sameWay = nullptr, double minLen = 0.0) {
+  using namespace validity_detail;
+  const std::vector<Seg> src = segments(source, sourceClosed, 0.0);
+  const std::vector<Seg> res = segments(result, resultClosed, minLen);
+  double nearest = std::numeric_limits<double>::infinity();
+  for (const Seg& r : res)
+    for (const Seg& s : src)
+      if (boxGap(r.lo, r.hi, s.lo, s.hi) < nearest)
+        nearest = std::min(nearest, segDist(r, s));
+  if (sameWay)
+    *sameWay = !sourceClosed || !resultClosed || area(src) * area(res) >= 0.0;
+  return nearest;
+}
+
 /// Empty when `result` (closed or open) is an offset of `source` by the signed `distance`
 /// (positive to the right of travel), else a short reason: every point of the result lies at
-/// least |distance| - tol from the source and some point within tol of |distance|; the result
-/// lies on the side the sign asks for (judged where a point's nearest source point is inside a
-/// segment); a closed result of a closed source runs the same way round; the result does not
-/// cross or touch itself (adjacent segments meet only at their shared row, within tol).
+/// least |distance| - tol from the source and some point within tol of |distance| (exact line
+/// and arc distances); its vertices and segment midpoints that lie at |distance| (within tol) lie
+/// on the side the sign asks for (see sideOf); a closed result of a closed source runs the same
+/// way round; the result does not cross or touch itself (see selfCrossing).
 inline std::string offsetValidity(const std::vector<ValidityRow>& source, bool sourceClosed,
                                   const std::vector<ValidityRow>& result, bool resultClosed,
                                   double distance, double tol = 1e-6) {
@@ -272,58 +265,22 @@ inline std::string offsetValidity(const std::vector<ValidityRow>& source, bool s
   if (src.empty() || res.empty())
     return "no segments";
   const double d = std::fabs(distance);
-
-  // Exact nearest approach of the result to the source.
-  double nearest = std::numeric_limits<double>::infinity();
-  for (const Seg& r : res)
-    for (const Seg& s : src)
-      if (boxGap(r.lo, r.hi, s.lo, s.hi) < nearest)
-        nearest = std::min(nearest, segDist(r, s));
-  if (nearest < d - tol)
-    return "comes within " + std::to_string(nearest) + " of the source";
-  if (nearest > d + tol)
-    return "stays " + std::to_string(nearest) + " away from the source";
-
-  // Side, at vertices and midpoints: a point is on the wrong side when every source segment
-  // that is nearest to it (within tol) and has its nearest point inside says so.
-  const int want = distance > 0.0 ? 1 : -1;
+  bool sameWay = true;
+  const double nearest =
+      offsetGap(source, sourceClosed, result, resultClosed, &sameWay, tol * 1e-3);
+  if (nearest < d - tol || nearest > d + tol)
+    return "nearest approach " + std::to_string(nearest) + ", not " + std::to_string(d);
   for (const Seg& r : res) {
-    const P mid = r.arc ? r.c + r.r * P{std::cos(r.a0 + r.sweep / 2), std::sin(r.a0 + r.sweep / 2)}
-                        : 0.5 * (r.a + r.b);
-    for (P q : {r.a, mid}) {
-      double best = std::numeric_limits<double>::infinity();
-      for (const Seg& s : src)
-        if (boxGap(q, q, s.lo, s.hi) < best)
-          best = std::min(best, pointDist(s, q));
-      int right = 0, wrong = 0;
-      for (const Seg& s : src) {
-        int side = 0;
-        if (boxGap(q, q, s.lo, s.hi) <= best + tol && pointDist(s, q, &side) <= best + tol)
-          (side == want ? right : wrong) += side != 0;
-      }
-      if (wrong > 0 && right == 0)
+    const double half = r.a0 + r.sweep / 2, want = distance > 0.0 ? 1 : -1;
+    const P mid = r.arc ? r.c + P{std::cos(half), std::sin(half)} * r.r : (r.a + r.b) * 0.5;
+    double at;
+    for (P q : {r.a, mid})
+      if (sideOf(src, q, tol, &at) == -want && at <= d + tol)
         return "lies on the wrong side";
-    }
   }
-
-  if (sourceClosed && resultClosed && area(src) * area(res) < 0.0)
+  if (!sameWay)
     return "runs the other way round";
-
-  // Self-crossing: any shared point, except at the shared row of neighbouring segments.
-  const size_t m = res.size();
-  for (size_t i = 0; i < m; ++i) {
-    for (size_t j = i + 1; j < m; ++j) {
-      const bool next = j == i + 1, wrap = resultClosed && i == 0 && j == m - 1;
-      const Hits hits = crossings(res[i], res[j], tol * 1e-3);
-      for (int k = 0; k < hits.n; ++k) {
-        const P q = hits.p[k];
-        if ((next && len(q - res[i].b) <= tol) || (wrap && len(q - res[0].a) <= tol))
-          continue;
-        return "crosses itself at segments " + std::to_string(i) + " and " + std::to_string(j);
-      }
-    }
-  }
-  return "";
+  return selfCrossing(result, resultClosed, tol);
 }
 
 }  // namespace tarnsysm_test

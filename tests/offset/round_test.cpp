@@ -114,10 +114,9 @@ bool simple(const std::vector<Vertex>& v) {
   const auto segs = vd::segments(rows, true, 0.0);
   for (size_t i = 0; i < segs.size(); ++i)
     for (size_t j = i + 1; j < segs.size(); ++j) {
-      const vd::Hits hits = vd::crossings(segs[i], segs[j], 1e-9);
-      for (int k = 0; k < hits.n; ++k)
-        if (!(j == i + 1 && vd::len(hits.p[k] - segs[i].b) < 1e-7) &&
-            !(i == 0 && j + 1 == segs.size() && vd::len(hits.p[k] - segs[0].a) < 1e-7))
+      for (const vd::P& p : vd::crossings(segs[i], segs[j], 1e-9))
+        if (!(j == i + 1 && (p - segs[i].b).len() < 1e-7) &&
+            !(i == 0 && j + 1 == segs.size() && (p - segs[0].a).len() < 1e-7))
           return false;
     }
   return true;
