@@ -4,7 +4,8 @@
 # With --windows it installs the MinGW-w64 cross compilers and wine instead.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang clang-format binutils pkg-config
-  libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev doxygen)
+  libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev doxygen
+  pybind11-dev python3-dev python3-numpy python3-pytest python3-ezdxf)
 if [ "${1:-}" = --windows ]; then
   packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix wine64 binutils-mingw-w64-i686)
 fi
