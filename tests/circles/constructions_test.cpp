@@ -189,6 +189,7 @@ TEST(Constructions, stated_orders_ties_and_failures) {
   CASE("pp_coincident_writes_the_midpoint", 0, 1, 2, S, S, DGetPPCircle(kEps, 1, 2, 1, 2, OUT));
   NONE("ppp_collinear", DGetPPPCircle(kEps, 0, 0, 1, 1, 2, 2, OUT));
   NONE("ppp_last_two_coincide", DGetPPPCircle(kEps, 0, 0, 1, 0, 1, 0, OUT));
+  NONE("ppp_first_and_last_coincide", DGetPPPCircle(kEps, 0, 0, 1, 0, 0, 0, OUT));
   NONE("ccr_concentric", DGetCCRCircle(kEps, 1, 0, 1, 0, 0, 2, 0, 2, 0, 0, 1, &o.x, &o.y));
   NONE("llr_parallel", DGetLLRCircle(kEps, 0, 1, 0, 0, 1, 0, 0, 2, 0, 3, 1, 3, 1, &o.x, &o.y));
   // Unit circle, line y = -2, R = 1: only (+-sqrt 3, -1) touch both. A pick straight below
@@ -232,6 +233,11 @@ TEST(Constructions, stated_orders_ties_and_failures) {
        DGetCCTanLine(kEps, 0, 2, 1, 0, 0, 10, -2, 1, 10, 0, LINE_OUT));
   NONE("cc_line_nested", DGetCCTanLine(kEps, 0, 0, 1, 0, 0, 0, 0, 5, 0.5, 0, LINE_OUT));
   NONE("cc_line_touching_inside", DGetCCTanLine(kEps, 0, 0, 1, 0, 0, 0, 0, 2, 1, 0, LINE_OUT));
+  // Centres one above the other, radii 1 and 2: the right outer tangent's normal n has
+  // n . (0, 10) = 1 - 2, so sin = -0.1, touching at n and at (0, 10) + 2 n.
+  const double c = std::sqrt(0.99);
+  CASE("cc_line_centres_aligned_vertically", 1, c, -0.1, 2 * c, 9.8,
+       DGetCCTanLine(kEps, 2, 0, 1, 0, 0, 3, 10, 2, 0, 10, LINE_OUT));
 }
 
 }  // namespace
