@@ -110,8 +110,7 @@ TARNSYSM_API int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, 
 /// the centre lies to the left of the chord (counter-clockwise up to a half circle, clockwise
 /// beyond). Otherwise (clockwise up to a half circle, counter-clockwise beyond) it is taken, as
 /// the drafting host does, from a centre on the chord's right-hand normal through stp at the
-/// arc's radius, and is not the arc's tangent. Returns 1; an ina of 0 or a whole turn has no
-/// centre, hence no end direction, and returns 0.
+/// arc's radius, and is not the arc's tangent. Returns 1.
 TARNSYSM_API int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge,
                               double* endDir);
 

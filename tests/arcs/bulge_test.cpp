@@ -74,30 +74,33 @@ TEST(PL_ArcParam, random_bulges_give_the_circle_through_both_ends) {
 }
 
 TEST(get_arc_box, table) {
-  const double nearStart = kHalfPi - kE / 2;
+  const double nearStart = kHalfPi - kE / 2, c = 1000 * std::cos(nearStart),
+               s = 1000 * std::sin(nearStart);
   const struct {
     const char* name;
     double sa, ea, xmin, ymin, xmax, ymax;
   } rows[] = {
-      // centre (1, 2), radius 2
       // clang-format off
-      {"full_circle_end_overwrites_the_start", 0, kTwoPi + 3 * kE, -1, 0, 1 + 2 * std::cos(3 * kE), 4},
-      {"first_quadrant", 0, kHalfPi, 1, 2, 3, 4},
-      {"upper_half", 0, kPi, -1, 2, 3, 4},
-      {"lower_half", kPi, kTwoPi, -1, 0, 3, 2},
-      {"right_half_through_zero", -kHalfPi, kHalfPi, 1, 0, 3, 4},
-      {"a_turn_up", kPi + 2 * kTwoPi, kTwoPi + 2 * kTwoPi, -1, 0, 3, 2},
-      {"quadrant_within_eps_of_the_start_is_not_added", nearStart, kPi, -1, 2, 1 + 2 * std::cos(nearStart), 2 + 2 * std::sin(nearStart)},
+      // centre (1, 2), radius 1000
+      // clang-format off
+      {"full_circle", 0, kTwoPi + 3 * kE, -999, -998, 1001, 1002},
+      {"first_quadrant", 0, kHalfPi, 1, 2, 1001, 1002},
+      {"upper_half", 0, kPi, -999, 2, 1001, 1002},
+      {"lower_half", kPi, kTwoPi, -999, -998, 1001, 2},
+      {"right_half_through_zero", -kHalfPi, kHalfPi, 1, -998, 1001, 1002},
+      {"a_turn_up", kPi + 2 * kTwoPi, kTwoPi + 2 * kTwoPi, -999, -998, 1001, 2},
+      {"quadrant_within_eps_of_the_start_is_not_added", nearStart, kPi, -999, 2, 1 + c, 2 + s},
+      {"quadrant_within_eps_past_the_end_is_not_added", 0, nearStart, 1 + c, 2, 1001, 2 + s},
       // clang-format on
   };
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double centre[2] = {1, 2}, box[4];
-    get_arc_box(kE, centre, 2, r.sa, r.ea, &box[0], &box[1], &box[2], &box[3]);
-    EXPECT_NEAR(box[0], r.xmin, 1e-12);
-    EXPECT_NEAR(box[1], r.ymin, 1e-12);
-    EXPECT_NEAR(box[2], r.xmax, 1e-12);
-    EXPECT_NEAR(box[3], r.ymax, 1e-12);
+    get_arc_box(kE, centre, 1000, r.sa, r.ea, &box[0], &box[1], &box[2], &box[3]);
+    EXPECT_NEAR(box[0], r.xmin, 1e-9);
+    EXPECT_NEAR(box[1], r.ymin, 1e-9);
+    EXPECT_NEAR(box[2], r.xmax, 1e-9);
+    EXPECT_NEAR(box[3], r.ymax, 1e-9);
   }
 }
 

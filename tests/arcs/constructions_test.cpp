@@ -69,6 +69,7 @@ TEST(PL_segments, table) {
       {"ina_edp_clockwise_takes_the_right_normal_centre", InaEdp, -kHalfPi, 0, {2, 0}, {}, 1, -kQuarter, cwCentreDir, S, S},
       {"ina_cen_left_quarter", InaCen, kHalfPi, 0, {-2, 0}, {}, 1, kQuarter, kPi, -2, 2},
       {"ina_cen_right_quarter", InaCen, -kHalfPi, 0, {-2, 0}, {}, 1, -kQuarter, kPi, -2, -2},
+      {"ina_cen_radius_exactly_eps", InaCen, kHalfPi, 0, {-kE, 0}, {}, 1, kQuarter, kPi, -kE, kE},
       {"ina_cen_start_on_the_centre", InaCen, 1, 0, {kE / 2, 0}, {}, 1, std::tan(0.25), kHalfPi, 0, 0},
       {"ina_rad_dir_left_quarter", InaRadDir, kHalfPi, 1, {kPi / 4, S}, {}, 1, kQuarter, kHalfPi, 1, 1},
       {"ina_rad_dir_ina_within_eps", InaRadDir, kE, 1, {kPi / 4, S}, {}, 0, S, S, kPi / 4, S},
