@@ -1,16 +1,20 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
-// What every test program shares: the library's angle constants, the hostile numbers that
-// robustness tests feed to every argument, and one checker per recurring assertion.
+// What every test program shares: the library's headers, the angle constants, the hostile
+// numbers that robustness tests feed to every argument, and one checker per recurring assertion.
 #pragma once
+
+#include <Tarnsysm.h>
 
 #include "primitives/internal.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <initializer_list>
 #include <limits>
 #include <random>
+#include <vector>
 
 namespace tarnsysm::test {
 
@@ -27,17 +31,13 @@ inline constexpr double kSentinel = -12345.0;
 
 /// Draws from the values that break careless geometry code: NaN, infinities, huge and tiny
 /// magnitudes, alongside a few ordinary ones.
-class HostileNumbers {
- public:
-  explicit HostileNumbers(unsigned seed) : rng_(seed) {}
-
-  double operator()() { return kValues[pick_(rng_)]; }
-
- private:
-  static constexpr double kValues[] = {0.0,   1.0,   -1.0,   kNaN,   kInf,
-                                       -kInf, 1e300, -1e300, 1e-300, 7.5};
-  std::mt19937 rng_;
-  std::uniform_int_distribution<int> pick_{0, 9};
+struct HostileNumbers {
+  explicit HostileNumbers(unsigned seed) : rng(seed) {}
+  double operator()() {
+    static constexpr double kValues[] = {0, 1, -1, kNaN, kInf, -kInf, 1e300, -1e300, 1e-300, 7.5};
+    return kValues[rng() % 10];
+  }
+  std::mt19937 rng;
 };
 
 /// The angle lies in [-eps, 2 pi), the one turn every angle the library delivers lies in.
@@ -63,6 +63,19 @@ inline testing::AssertionResult onCircle(double x, double y, double cx, double c
     return testing::AssertionSuccess();
   return testing::AssertionFailure()
          << "(" << x << ", " << y << ") is " << off << " off the circle of radius " << r;
+}
+
+/// Each value is within tol of the one wanted in its place (a sentinel wanted matches exactly).
+inline testing::AssertionResult near(std::initializer_list<double> got,
+                                     std::initializer_list<double> want, double tol) {
+  const double* w = want.begin();
+  int i = 0;
+  for (double g : got) {
+    if (!(std::fabs(g - w[i]) <= tol))
+      return testing::AssertionFailure() << "value " << i << " is " << g << ", not " << w[i];
+    ++i;
+  }
+  return testing::AssertionSuccess();
 }
 
 /// Every value still holds kSentinel: the call wrote none of these outputs.

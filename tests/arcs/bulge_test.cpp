@@ -1,16 +1,8 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Bulge segments as arcs, arc extents, the input checks of the arc constructions and the tangent
 // continuation of a polyline.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <initializer_list>
-#include <random>
 
 namespace {
 
@@ -20,13 +12,8 @@ const double kQuarter = std::tan(kPi / 8);  // the bulge of a counter-clockwise 
 
 TEST(PL_ArcParam, table) {
   const double a = std::atan(0.75);
-  const struct {
-    const char* name;
-    double x1, y1, x2, y2, bulge;
-    int result;
-    double cx, cy, r, sa, ea;
-  } rows[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; double x1, y1, x2, y2, bulge; int result; double cx, cy, r, sa, ea; } rows[] = {
       {"half_circle_counter_clockwise_below", 0, 0, 2, 0, 1, 1, 1, 0, 1, kPi, kTwoPi},
       {"half_circle_clockwise_above", 0, 0, 2, 0, -1, 1, 1, 0, 1, 0, kPi},
       {"quarter_left_of_the_chord", 1, 2, 3, 4, kQuarter, 1, 1, 4, 2, 3 * kHalfPi, kTwoPi},
@@ -37,18 +24,14 @@ TEST(PL_ArcParam, table) {
       {"bulge_within_eps", 3, 4, 5, 6, kE / 8, 0, 3, 4, 0, 0, 0},
       {"coincident_ends", 3, 4, 3, 4, 1, 0, 3, 4, 0, 0, 0},
       {"overflowing_chord", -1e300, 0, 1e300, 0, 1, 0, -1e300, 0, 0, 0, 0},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double cx, cy, radius, sa, ea;
     EXPECT_EQ(PL_ArcParam(kE, r.x1, r.y1, r.x2, r.y2, r.bulge, &cx, &cy, &radius, &sa, &ea),
               r.result);
-    EXPECT_NEAR(cx, r.cx, 1e-12);
-    EXPECT_NEAR(cy, r.cy, 1e-12);
-    EXPECT_NEAR(radius, r.r, 1e-12);
-    EXPECT_NEAR(sa, r.sa, 1e-12);
-    EXPECT_NEAR(ea, r.ea, 1e-12);
+    EXPECT_TRUE(near({cx, cy, radius, sa, ea}, {r.cx, r.cy, r.r, r.sa, r.ea}, 1e-12));
   }
 }
 
@@ -76,11 +59,8 @@ TEST(PL_ArcParam, random_bulges_give_the_circle_through_both_ends) {
 TEST(get_arc_box, table) {
   const double nearStart = kHalfPi - kE / 2, c = 1000 * std::cos(nearStart),
                s = 1000 * std::sin(nearStart);
-  const struct {
-    const char* name;
-    double sa, ea, xmin, ymin, xmax, ymax;
-  } rows[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; double sa, ea, xmin, ymin, xmax, ymax; } rows[] = {
       // centre (1, 2), radius 1000
       // clang-format off
       {"full_circle", 0, kTwoPi + 3 * kE, -999, -998, 1001, 1002},
@@ -91,16 +71,13 @@ TEST(get_arc_box, table) {
       {"a_turn_up", kPi + 2 * kTwoPi, kTwoPi + 2 * kTwoPi, -999, -998, 1001, 2},
       {"quadrant_within_eps_of_the_start_is_not_added", nearStart, kPi, -999, 2, 1 + c, 2 + s},
       {"quadrant_within_eps_past_the_end_is_not_added", 0, nearStart, 1 + c, 2, 1001, 2 + s},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double centre[2] = {1, 2}, box[4];
     get_arc_box(kE, centre, 1000, r.sa, r.ea, &box[0], &box[1], &box[2], &box[3]);
-    EXPECT_NEAR(box[0], r.xmin, 1e-9);
-    EXPECT_NEAR(box[1], r.ymin, 1e-9);
-    EXPECT_NEAR(box[2], r.xmax, 1e-9);
-    EXPECT_NEAR(box[3], r.ymax, 1e-9);
+    EXPECT_TRUE(near({box[0], box[1], box[2], box[3]}, {r.xmin, r.ymin, r.xmax, r.ymax}, 1e-9));
   }
 }
 
@@ -131,13 +108,9 @@ TEST(get_arc_box, random_boxes_hold_their_arcs_tightly) {
 TEST(PL_TestVertex, table) {
   const double onEdge = std::sin(std::atan2(1.0, 5.0));  // |sin| of the chord (5, 1) against 0
   double p[2] = {4, 5};
-  const struct {
-    const char* name;
-    int kind;
-    double eps, a, qx, qy, wx, wy;  // a: the direction, length or radius of the kind
-    int expected;
-  } rows[] = {
-      // clang-format off
+  // a: the direction, length or radius of the kind
+  // clang-format off
+  const struct { const char* name; int kind; double eps, a, qx, qy, wx, wy; int expected; } rows[] = {
       {"2_ahead_on_the_tangent", 2, kE, 0, 9, 5, 0, 0, 0},
       {"2_behind_on_the_tangent", 2, kE, kTwoPi, -1, 5, 0, 0, 0},
       {"2_sine_exactly_eps", 2, onEdge, 0, 9, 6, 0, 0, 1},
@@ -157,27 +130,15 @@ TEST(PL_TestVertex, table) {
       {"9_nan_point", 9, kE, 0, kNaN, 5, 1, 1, 0},
       {"3_has_nothing_to_check", 3, kNaN, 0, 0, 0, 0, 0, 1},
       {"unknown_kind", 12, kE, 0, 0, 0, 0, 0, 1},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     double qq[2] = {r.qx, r.qy}, w[2] = {r.wx, r.wy};
-    int got = 0;
-    switch (r.kind) {
-      case 2:
-        got = PL_TestVertex(2, r.eps, p, r.a, qq);
-        break;
-      case 6:
-        got = PL_TestVertex(6, r.eps, p, qq);
-        break;
-      case 7:
-        got = PL_TestVertex(7, r.eps, p, qq, r.a);
-        break;
-      case 8:
-        got = PL_TestVertex(8, r.eps, p, r.a, qq);
-        break;
-      default:
-        got = PL_TestVertex(r.kind, r.eps, p, qq, w);
-    }
+    const int got = r.kind == 2   ? PL_TestVertex(2, r.eps, p, r.a, qq)
+                    : r.kind == 6 ? PL_TestVertex(6, r.eps, p, qq)
+                    : r.kind == 7 ? PL_TestVertex(7, r.eps, p, qq, r.a)
+                    : r.kind == 8 ? PL_TestVertex(8, r.eps, p, r.a, qq)
+                                  : PL_TestVertex(r.kind, r.eps, p, qq, w);
     EXPECT_EQ(got, r.expected) << r.name;
   }
   double far[3][2] = {{10001.1, 1}, {10001.1, 62}, {10001.1, 6300}};
@@ -185,20 +146,16 @@ TEST(PL_TestVertex, table) {
 }
 
 TEST(PL_Arc_PBPP, table) {
-  const struct {
-    const char* name;
-    double p0x, p0y, bulge, p2x, p2y;  // p1 = (0, 0)
-    int result;
-    double newBulge, endDir;
-  } rows[] = {
-      // clang-format off
+  // The new arc starts at p1 = (0, 0).
+  // clang-format off
+  const struct { const char* name; double p0x, p0y, bulge, p2x, p2y; int result; double newBulge, endDir; } rows[] = {
       {"after_a_line_turning_left", -1, 0, 0, 1, 1, 1, kQuarter, kHalfPi},
       {"after_a_line_turning_right", -1, 0, 0, 1, -1, 1, -kQuarter, 3 * kHalfPi},
       {"after_a_clockwise_half_circle", -2, 0, -1, 1, -1, 1, kQuarter, 0},
       {"after_a_counter_clockwise_quarter", -1, -1, kQuarter, -1, 1, 1, kQuarter, kPi},
       {"end_on_the_tangent_line", -1, 0, 0, 3, 0, 0, kSentinel, kSentinel},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double p0[2] = {r.p0x, r.p0y}, p1[2] = {0, 0}, p2[2] = {r.p2x, r.p2y};

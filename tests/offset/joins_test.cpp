@@ -2,16 +2,8 @@
 // Corner joins of offset segments and moved points of a segment. Every row is also checked in
 // mirror image (y negated, bulges and distance negated: the same join mirrored, the same
 // parameters), and every line-arc join against the arc-line join of the reversed path.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <initializer_list>
-#include <random>
 
 namespace {
 
@@ -110,17 +102,14 @@ TEST(CornerJoins, table) {
       {"point_moved_radius_minus_half_eps_is_the_centre", Point, kE, 1 + kE / 2, {0, 0, 2, 0}, -1, 0.5, 1, 1, 0, S, S},
       {"point_moved_radius_minus_two_eps", Point, kE, 1 + 2 * kE, {0, 0, 2, 0}, -1, 0.5, 0, S, S, S, S},
       {"point_on_a_degenerate_segment", Point, kE, 1, {0, 0, 0, kE / 2}, 0, 0.5, 0, S, S, S, S},
-      // clang-format on
   };
+  // clang-format on
   for (const JoinRow& r : rows) {
     for (double m : {1.0, -1.0}) {
       SCOPED_TRACE(testing::Message() << r.name << (m < 0 ? " mirrored" : ""));
       const Out o = join(r, m);
       EXPECT_EQ(o.code, r.code);
-      EXPECT_NEAR(o.x, r.x, 1e-9);
-      EXPECT_NEAR(o.y, r.y == S ? S : m * r.y, 1e-9);
-      EXPECT_NEAR(o.t1, r.t1, 1e-9);
-      EXPECT_NEAR(o.t2, r.t2, 1e-9);
+      EXPECT_TRUE(near({o.x, o.y, o.t1, o.t2}, {r.x, r.y == S ? S : m * r.y, r.t1, r.t2}, 1e-9));
       if (r.kind != LA || r.code != 1)
         continue;
       // The reversed path: the arc first, then the line, the other side, parameters from the end.
@@ -129,10 +118,7 @@ TEST(CornerJoins, table) {
                          0,      0};
       const Out b = join(back, m);
       EXPECT_EQ(b.code, 1);
-      EXPECT_NEAR(b.x, o.x, 1e-9);
-      EXPECT_NEAR(b.y, o.y, 1e-9);
-      EXPECT_NEAR(b.t1, 1 - o.t2, 1e-9);
-      EXPECT_NEAR(b.t2, 1 - o.t1, 1e-9);
+      EXPECT_TRUE(near({b.x, b.y, b.t1, b.t2}, {o.x, o.y, 1 - o.t2, 1 - o.t1}, 1e-9));
     }
   }
 }
@@ -173,8 +159,8 @@ TEST(CornerJoins, random_joins_lie_on_both_moved_segments) {
         !GetOffsetP(eps, r.d, o.t2, r.p[2], r.p[3], r.p[4], r.p[5], second, &x2, &y2))
       continue;  // a moved arc turned inside out
     const double tol = 1e-8 * (1 + std::fabs(o.t1) + std::fabs(o.t2));
-    EXPECT_NEAR(std::hypot(x1 - o.x, y1 - o.y), 0, tol);
-    EXPECT_NEAR(std::hypot(x2 - o.x, y2 - o.y), 0, tol);
+    EXPECT_TRUE(
+        near({std::hypot(x1 - o.x, y1 - o.y), std::hypot(x2 - o.x, y2 - o.y)}, {0, 0}, tol));
   }
 }
 

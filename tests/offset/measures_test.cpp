@@ -1,16 +1,8 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Polyline measures: the signed area of a segment and of a polyline (positive clockwise), and
 // whether a point lies on a polyline.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <initializer_list>
-#include <random>
-#include <vector>
 
 namespace {
 
@@ -39,13 +31,8 @@ TEST(LineArea_PLineArea, table) {
   EXPECT_EQ(LineArea(kE, 0, 1, 2, 3, kE / 2), 4.0);  // within eps: straight
   // At exactly eps an arc: a flat segment of sagitta eps over a chord of 2, about 2/3 c h.
   EXPECT_NEAR(LineArea(kE, 0, 0, 2, 0, kE), -4.0 / 3 * kE, 1e-8);
-  const struct {
-    const char* name;
-    Poly poly;
-    int closed;
-    double area;
-  } rows[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; Poly poly; int closed; double area; } rows[] = {
       {"counter_clockwise_square", {{1, 2}, {2, 2}, {2, 3}, {1, 3}}, 1, -1},
       {"clockwise_square", {{1, 2}, {1, 3}, {2, 3}, {2, 2}}, 1, 1},
       {"triangle", {{0, 1}, {4, 1}, {0, 4}}, 0, -6},
@@ -54,8 +41,8 @@ TEST(LineArea_PLineArea, table) {
       {"outward_half_circle_on_a_clockwise_square", {{0, 0, -1}, {0, 2}, {2, 2}, {2, 0}}, 1, 4 + kPi / 2},
       {"circle_of_quarter_arcs", {{1, 0, kQ}, {0, 1, kQ}, {-1, 0, kQ}, {0, -1, kQ}}, 1, -kPi},
       {"two_rows_have_no_area", {{0, 0, 1}, {2, 0, 1}}, 1, 0},
-      // clang-format on
   };
+  // clang-format on
   for (auto& r : rows)
     EXPECT_NEAR(PLineArea(1e-9, r.closed, r.poly.n(), r.poly.rows()), r.area, 1e-12) << r.name;
 }
@@ -87,14 +74,8 @@ TEST(PLineArea, reversal_negates_and_translation_keeps_the_area) {
 }
 
 TEST(PointsOnPLine, table) {
-  const struct {
-    const char* name;
-    Poly poly;
-    int closed;
-    double x, y;
-    int expected;
-  } rows[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; Poly poly; int closed; double x, y; int expected; } rows[] = {
       {"half_eps_off_a_line", {{1, 2}, {5, 2}, {5, 6}}, 0, 3, 2 + kE / 2, 1},
       {"exactly_eps_off_a_line", {{1, 2}, {5, 2}, {5, 6}}, 0, 3, 2 + kE, 0},
       {"on_the_second_line", {{1, 2}, {5, 2}, {5, 6}}, 0, 5 - kE / 2, 4, 1},
@@ -109,8 +90,8 @@ TEST(PointsOnPLine, table) {
       {"zero_length_segment_never_matches", {{1, 2}, {1, 2}}, 1, 1, 2, 0},
       {"one_row_is_no_polyline", {{1, 2}}, 1, 1, 2, 0},
       {"not_a_number", {{1, 2}, {5, 2}}, 0, kNaN, 2, 0},
-      // clang-format on
   };
+  // clang-format on
   for (auto& r : rows) {
     double p[2] = {r.x, r.y};
     EXPECT_EQ(PointsOnPLine(kE, p, r.closed, r.poly.n(), r.poly.rows()), r.expected) << r.name;

@@ -1,14 +1,8 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Direction angles, turn reduction, guarded inverse trigonometry, arc membership, whole-turn
 // stepping and the point helpers.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
 
 namespace {
 
@@ -19,13 +13,8 @@ using tarnsysm::detail::subtractTurnsWhileAbove;
 const double kRaw = std::atan2(-1e-3, 1.0);  // eps = -kRaw puts DAngle's lift exactly on its edge
 
 TEST(DAngle, table) {
-  const struct {
-    const char* name;
-    double eps, x1, y1, x2, y2;
-    int result;
-    double angle, tol;
-  } rows[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; double eps, x1, y1, x2, y2; int result; double angle, tol; } rows[] = {
       {"both_within_eps_closed", kE, 3, -2, 3 + kE, -2 - kE, 0, 0.0, 0},
       {"each_coordinate_alone", kE, 3, -2, 3 - kE, -2 + kE / 2, 0, 0.0, 0},
       {"one_coordinate_beyond", kE, 0, 0, std::nextafter(kE, 1.0), 0, 1, 0.0, 0},
@@ -39,8 +28,8 @@ TEST(DAngle, table) {
       {"an_ulp_beyond_eps_lifted", std::nextafter(-kRaw, 0.0), 0, 0, 1, -1e-3, 1, kRaw + kTwoPi, 0},
       {"lift_rounding_to_two_pi_is_zero", 0.0, 0, 0, 1, -1e-16, 1, 0.0, 0},
       {"huge_coordinates", kE, -1e300, 0, 0, 1e300, 1, kPi / 4, 1e-15},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double angle = kSentinel;
@@ -51,11 +40,8 @@ TEST(DAngle, table) {
 }
 
 TEST(fpos2pi, table) {
-  const struct {
-    const char* name;
-    double eps, in, out, tol;
-  } rows[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; double eps, in, out, tol; } rows[] = {
       {"two_pi_is_zero", kE, kTwoPi, 0.0, 0},
       {"above_a_turn", kE, 7.0, 7.0 - kTwoPi, 1e-15},
       {"turns_above", kE, 3 * kTwoPi + 0.5, 0.5, 1e-14},
@@ -68,8 +54,8 @@ TEST(fpos2pi, table) {
       {"eps_zero_lifts_everything_negative", 0.0, -0.5 * kE, kTwoPi - 0.5 * kE, 0},
       {"lift_rounding_to_two_pi_is_zero", 1e-20, -1e-17, 0.0, 0},
       {"four_pi_less_an_ulp_stays_below_two_pi", kE, std::nextafter(2 * kTwoPi, 0.0), kTwoPi - 1e-15, 1e-15},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double a = r.in;
@@ -83,8 +69,7 @@ TEST(fpos2pi, table) {
 }
 
 TEST(arcsin_arccos, exact_ends_inside_and_zero_outside) {
-  EXPECT_NEAR(arcsin(-0.5), -kPi / 6, 1e-15);
-  EXPECT_NEAR(arccos(-0.5), 2 * kPi / 3, 1e-15);
+  EXPECT_TRUE(near({arcsin(-0.5), arccos(-0.5)}, {-kPi / 6, 2 * kPi / 3}, 1e-15));
   EXPECT_EQ(arcsin(1.0), kHalfPi);
   EXPECT_EQ(arcsin(-1.0), -kHalfPi);
   EXPECT_EQ(arccos(-1.0), kPi);
@@ -98,12 +83,8 @@ TEST(arcsin_arccos, exact_ends_inside_and_zero_outside) {
 
 TEST(ValidAngle, table) {
   constexpr double s = 1.0, e = 1.0 + kHalfPi;  // a quarter sweep
-  const struct {
-    const char* name;
-    double start, end, angle;
-    int expected;
-  } rows[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; double start, end, angle; int expected; } rows[] = {
       {"start_minus_half_eps", s, e, s - 0.5 * kE, 1},
       {"start_minus_eps", s, e, s - kE, 1},
       {"start_minus_two_eps", s, e, s - 2 * kE, 0},
@@ -127,8 +108,8 @@ TEST(ValidAngle, table) {
       {"far_start", 1.0 + 40 * kTwoPi, 2.0 + 40 * kTwoPi, 1.5, 1},
       {"nan_angle", 0.0, 1.0, kNaN, 0},
       {"infinite_end", 0.0, kInf, 0.5, 0},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows)
     EXPECT_EQ(ValidAngle(kE, r.start, r.end, r.angle), r.expected) << r.name;
   EXPECT_EQ(ValidAngle(kNaN, 0, 1, 0.5), 0);
@@ -156,8 +137,8 @@ TEST(ValidAngle, agrees_with_the_angular_offset_on_random_sweeps) {
   }
 }
 
-// Within a few turns the helpers are repeated addition bit for bit; far away they still end in
-// the first turn past the limit; huge and non-finite values end promptly.
+// Within a few turns the helpers are repeated addition bit for bit (far turns and hostile values
+// reach them through ValidAngle above and the hostile test below).
 TEST(TurnStepping, equals_repeated_addition_and_ends_for_any_double) {
   std::mt19937_64 rng(13);
   std::uniform_real_distribution<double> dist(-45.0, 45.0);
@@ -174,23 +155,6 @@ TEST(TurnStepping, equals_repeated_addition_and_ends_for_any_double) {
     while (expectDown > limit)
       expectDown -= kTwoPi;
     ASSERT_EQ(down, expectDown) << start << " above " << limit;
-  }
-  for (double v : {-1e6, -1e12}) {
-    double value = v, companion = v + 1.0;
-    addTurnsWhileBelow(value, 0.5, &companion);
-    EXPECT_TRUE(value >= 0.5 && value < 0.5 + kTwoPi) << v;
-    EXPECT_NEAR(companion - value, 1.0, 1e-3) << v;
-    value = -v;
-    subtractTurnsWhileAbove(value, -0.5);
-    EXPECT_TRUE(value <= -0.5 && value > -0.5 - kTwoPi) << v;
-  }
-  for (double v : {kNaN, kInf, -kInf, 1e300, -1.7e308}) {
-    double value = v;
-    addTurnsWhileBelow(value, 0.0);
-    subtractTurnsWhileAbove(value, 0.0);
-    value = 0.0;
-    addTurnsWhileBelow(value, v);
-    subtractTurnsWhileAbove(value, -v);
   }
 }
 
@@ -209,8 +173,7 @@ TEST(Points, coincidence_distances_copies_rotation_and_unit_vectors) {
   EXPECT_TRUE(dst[0] == 7 && dst[1] == 8 && dst[2] == 9);
   double r[3] = {2, 1, 5};
   RotatePoint(kHalfPi, r);
-  EXPECT_NEAR(r[0], -1, 1e-15);
-  EXPECT_NEAR(r[1], 2, 1e-15);
+  EXPECT_TRUE(near({r[0], r[1]}, {-1, 2}, 1e-15));
   EXPECT_EQ(r[2], 5);
   double ux = kSentinel, uy = kSentinel;
   EXPECT_EQ(DLineUnitVector(kE, 1, 1, 1, 1 + kE / 2, &ux, &uy), 0);

@@ -1,14 +1,8 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Point queries: on a segment or arc, feet of perpendiculars, points along segments and arcs,
 // nearest points. Tolerance edges are rows at eps / 2, eps and 2 eps.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
 
 namespace {
 
@@ -31,8 +25,8 @@ TEST(DPointOnLine_DPointOnArc, table) {
       {"oblique_off_by_a_hundredth", 2.51, 4, 1, 2, 4, 6, 0},
       {"short_segment_is_a_box", 1 + kE, 1 + kE, 1, 1, 1 + kE / 2, 1, 1},
       {"short_segment_box_edge", 1 + 2 * kE, 1, 1, 1, 1 + kE / 2, 1, 0},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : lines)
     EXPECT_EQ(DPointOnLine(kE, r.px, r.py, r.x1, r.y1, r.x2, r.y2), r.expected) << r.name;
 
@@ -52,21 +46,16 @@ TEST(DPointOnLine_DPointOnArc, table) {
       {"top_is_off_the_lower_half", 1, 3, 1, kPi, kTwoPi, 0},
       {"radius_exactly_eps", 1 + kE, 2, kE, 0, kPi, 1},
       {"radius_below_eps", 1 + kE / 2, 2, kE / 2, 0, kPi, 0},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : arcs)
     EXPECT_EQ(DPointOnArc(kE, r.px, r.py, 1, 2, r.r, r.sa, r.ea), r.expected) << r.name;
 }
 
 TEST(DPointVerL_DPonLdisP_DPnearLine, table) {
-  const struct {
-    const char* name;
-    int fn;  // 0 DPointVerL, 1 DPonLdisP (px is the distance), 2 DPnearLine
-    double px, py, x1, y1, x2, y2;
-    int result;
-    double x, y;
-  } rows[] = {
-      // clang-format off
+  // fn: 0 DPointVerL, 1 DPonLdisP (px is the distance), 2 DPnearLine
+  // clang-format off
+  const struct { const char* name; int fn; double px, py, x1, y1, x2, y2; int result; double x, y; } rows[] = {
       {"foot_exactly_at_p2", 0, 4.8, 4.4, 1, 1, 4, 5, 1, 4, 5},
       {"foot_beyond_p2_by_eps", 0, 4 + kE, 3, 0, 0, 4, 0, 1, 4 + kE, 0},
       {"foot_beyond_p2_by_two_eps", 0, 4 + 2 * kE, 3, 0, 0, 4, 0, 2, 4 + 2 * kE, 0},
@@ -83,8 +72,8 @@ TEST(DPointVerL_DPonLdisP_DPnearLine, table) {
       {"nearest_at_one_less_half_eps_snaps", 2, 5 - 2 * kE, 3, 1, 1, 5, 1, 1, 5, 1},
       {"nearest_oblique", 2, 0, 5, 1, 1, 4, 5, 1, 2.56, 3.08},
       {"nearest_to_a_degenerate_line", 2, 0, 0, 1, 1, 1, 1, 0, kSentinel, kSentinel},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double x = kSentinel, y = kSentinel;
@@ -92,20 +81,14 @@ TEST(DPointVerL_DPonLdisP_DPnearLine, table) {
                     : r.fn == 1 ? DPonLdisP(kE, r.px, r.x1, r.y1, r.x2, r.y2, &x, &y)
                                 : DPnearLine(kE, r.px, r.py, r.x1, r.y1, r.x2, r.y2, &x, &y);
     EXPECT_EQ(got, r.result);
-    EXPECT_NEAR(x, r.x, 1e-12);
-    EXPECT_NEAR(y, r.y, 1e-12);
+    EXPECT_TRUE(near({x, y}, {r.x, r.y}, 1e-12));
   }
 }
 
 TEST(DPnearArc_DPonAperK, table) {
-  const struct {
-    const char* name;
-    int fn;  // 0 DPnearArc of (px, py); 1 DPonAperK at fraction px
-    double px, py, r, sa, ea;
-    int result;
-    double x, y;
-  } rows[] = {
-      // clang-format off
+  // fn: 0 DPnearArc of (px, py); 1 DPonAperK at fraction px
+  // clang-format off
+  const struct { const char* name; int fn; double px, py, r, sa, ea; int result; double x, y; } rows[] = {
       // centre (1, 2)
       {"past_the_start_nearer_start", 0, 1.1, 1, 1, 0, kPi, 1, 2, 2},
       {"past_the_end_nearer_end", 0, 0.9, 1, 1, 0, kPi, 1, 0, 2},
@@ -120,27 +103,22 @@ TEST(DPnearArc_DPonAperK, table) {
       {"start_turns_away", 1, 0, 0, 2, kHalfPi + 6 * kTwoPi, 7 * kTwoPi, 1, 1, 4},
       {"fraction_above_one_by_an_ulp", 1, std::nextafter(1.0, 2.0), 0, 2, 0, 1, 0, kSentinel, kSentinel},
       {"fraction_below_zero", 1, -1e-300, 0, 2, 0, 1, 0, kSentinel, kSentinel},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double x = kSentinel, y = kSentinel, centre[2] = {1, 2};
     const int got = r.fn == 0 ? DPnearArc(kE, r.px, r.py, 1, 2, r.r, r.sa, r.ea, &x, &y)
                               : DPonAperK(kE, r.px, centre, r.r, r.sa, r.ea, &x, &y);
     EXPECT_EQ(got, r.result);
-    EXPECT_NEAR(x, r.x, 1e-12);
-    EXPECT_NEAR(y, r.y, 1e-12);
+    EXPECT_TRUE(near({x, y}, {r.x, r.y}, 1e-12));
   }
 }
 
 TEST(DPonPLperV, table) {
-  const struct {
-    const char* name;
-    double k, x2, bulge;  // segment from (0, 0) to (x2, 0)
-    int result;
-    double x, y, dir;
-  } rows[] = {
-      // clang-format off
+  // The segment runs from (0, 0) to (x2, 0)
+  // clang-format off
+  const struct { const char* name; double k, x2, bulge; int result; double x, y, dir; } rows[] = {
       {"straight_fraction", 0.25, 4, 0, 1, 1, 0, 0},
       {"half_circle_counter_clockwise_runs_below", 0.5, 2, 1, 1, 1, -1, 0},
       {"half_circle_clockwise_runs_above", 0.5, 2, -1, 1, 1, 1, 0},
@@ -149,14 +127,13 @@ TEST(DPonPLperV, table) {
       {"fraction_one_and_two_eps", 1 + 2 * kE, 2, 0, 0, kSentinel, kSentinel, kSentinel},
       {"fraction_below_minus_eps", -2 * kE, 2, 0, 0, kSentinel, kSentinel, kSentinel},
       {"chord_below_eps", 0.5, kE / 2, 1, 0, kSentinel, kSentinel, kSentinel},
-      // clang-format on
   };
+  // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double p1[2] = {0, 0}, p2[2] = {r.x2, 0}, out[3] = {kSentinel, kSentinel, kSentinel};
     EXPECT_EQ(DPonPLperV(kE, r.k, p1, p2, r.bulge, out), r.result);
-    EXPECT_NEAR(out[0], r.x, 1e-12);
-    EXPECT_NEAR(out[1], r.y, 1e-12);
+    EXPECT_TRUE(near({out[0], out[1]}, {r.x, r.y}, 1e-12));
     if (r.result == 1)
       EXPECT_TRUE(sameDirection(out[2], r.dir, 1e-12) && angleInTurn(kE, out[2]));
     else
