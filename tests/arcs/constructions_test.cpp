@@ -276,6 +276,8 @@ TEST(Hostile, constructions_report_success_only_with_finite_outputs) {
     ASSERT_TRUE(check(inaCen, {bulge, dir}));
     ASSERT_TRUE(
         check(PL_StpInaRadDir(eps, p, a, b, h(), x, &bulge, &dir), {x[0], x[1], bulge, dir}));
+    ASSERT_TRUE(check(PL_StpCenEdp(eps, p, q, x, &bulge, &dir), {x[0], x[1], bulge, dir}));
+    ASSERT_TRUE(check(PL_StpCenLen(eps, p, x, a, &bulge, &dir), {x[0], x[1], bulge, dir}));
     ASSERT_TRUE(check(PL_StpRadEdp(eps, p, a, q, &bulge, &dir), {bulge, dir}));
     ASSERT_TRUE(check(PL_3points(eps, p, q, w, &bulge, &dir), {bulge, dir}));
     ASSERT_TRUE(check(DArcParam3P(eps, p, q, w, c, &r, &sa, &ea, &flag), {c[0], c[1], r, sa, ea}));
