@@ -9,12 +9,8 @@ namespace {
 using namespace tarnsysm::test;
 
 TEST(DPointOnLine_DPointOnArc, table) {
-  const struct {
-    const char* name;
-    double px, py, x1, y1, x2, y2;
-    int expected;
-  } lines[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; double px, py, x1, y1, x2, y2; int expected; } lines[] = {
       {"exactly_eps_off_the_line", 3, 1 + kE, 1, 1, 5, 1, 1},
       {"two_eps_off_the_line", 3, 1 + 2 * kE, 1, 1, 5, 1, 0},
       {"beyond_the_end_by_eps", 5 + kE, 1, 1, 1, 5, 1, 1},
@@ -30,12 +26,8 @@ TEST(DPointOnLine_DPointOnArc, table) {
   for (const auto& r : lines)
     EXPECT_EQ(DPointOnLine(kE, r.px, r.py, r.x1, r.y1, r.x2, r.y2), r.expected) << r.name;
 
-  const struct {
-    const char* name;
-    double px, py, r, sa, ea;
-    int expected;
-  } arcs[] = {
-      // clang-format off
+  // clang-format off
+  const struct { const char* name; double px, py, r, sa, ea; int expected; } arcs[] = {
       // centre (1, 2)
       {"top_of_upper_half", 1, 3, 1, 0, kPi, 1},
       {"radius_plus_half_eps", 1, 3 + kE / 2, 1, 0, kPi, 1},
