@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes the seed inputs of the offset fuzz target into fuzz/corpus/offset/.
+"""Writes the seed inputs of the fuzz targets into fuzz/corpus/<target>/.
 
-The byte layout is the one documented at the top of fuzz/offset_fuzzer.cpp. Coordinates that
+The byte layouts are the ones documented at the top of each fuzz/<target>_fuzzer.cpp. Coordinates that
 are multiples of 1/64 in [-256, 256) take two bytes; other values are written as raw
 little-endian doubles (tag 0xC0) or as an index into the target's table of special values.
 Run from anywhere: python3 fuzz/make_seeds.py
@@ -12,7 +12,8 @@ import os
 import struct
 
 TOLERANCES = [1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1]
-SPECIAL = {"nan": 0, "-nan": 1, "inf": 2, "-inf": 3, "max": 4, "1e300": 8, "-1e300": 9}
+SPECIAL = {"nan": 0, "-nan": 1, "inf": 2, "-inf": 3, "max": 4, "-max": 5, "1e300": 8,
+           "-1e300": 9}
 
 
 def value(v):
@@ -88,13 +89,82 @@ SEEDS = {
 }
 
 
-def main():
+def clip_seed(rect, points, n=None):
+    count = len(points) if n is None else n
+    out = bytes([(count + 2) % 67])
+    for v in rect:
+        out += value(v)
+    for x, y in points:
+        out += value(x) + value(y)
+    return out
+
+
+UNIT_SQUARE = [(0.0, 0.0), (10.0, 0.0), (10.0, 10.0), (0.0, 10.0), (0.0, 0.0)]
+CLIP_SEEDS = {
+    "inside_ring": clip_seed([-1, -1, 11, 11], UNIT_SQUARE),
+    "crossing_square": clip_seed([5, 5, 15, 15], UNIT_SQUARE),
+    "zigzag_three_n": clip_seed([0, 0, 10, 10], [(-14, -29), (27, 30), (-7, -8), (22, 28)]),
+    "flat_edge": clip_seed([0, 0, 10, 10], [(6, -1), (0, 10), (15, 10)]),
+    "vertex_on_side": clip_seed([0, 0, 10, 10], [(2, 2), (10, 5), (2, 8), (2, 2)]),
+    "huge_and_nan": clip_seed([0, 0, 10, 10], [("-1e300", "-1e300"), ("1e300", 5.0),
+                                              ("nan", 1.0), ("-1e300", "-1e300")]),
+    "negative_count": clip_seed([0, 0, 1, 1], [], n=-2),
+}
+
+
+def dntos_seed(mode, prec, zeros, style, v, sized_prec, size):
+    out = bytes([(mode + 1) % 8]) + struct.pack("<H", (prec + 8) % 409)
+    out += struct.pack("<bb", zeros, style) + value(v)
+    return out + struct.pack("<iH", sized_prec, size)
+
+
+DNTOS_SEEDS = {
+    "scientific": dntos_seed(1, 2, 0, 0, 1500.0, 2, 9),
+    "decimal_trimmed": dntos_seed(2, 3, 12, 0, 0.5, 1000000000, 16),
+    "scientific_widest": dntos_seed(1, 400, 0, 0, "-max", 62, 71),
+    "decimal_widest": dntos_seed(2, 400, 0, 0, "-max", 400, 712),
+    "feet_inches_widest": dntos_seed(3, 400, 1, 0, -1.1e20, 62, 92),
+    "fraction_inches_widest": dntos_seed(4, 62, 1, 0, -1.1e20, 62, 69),
+    "fraction_widest": dntos_seed(5, 62, 1, 1, -9.2e18, 62, 69),
+    "feet_inches": dntos_seed(3, 2, 0, 0, 30.5, 2, 8),
+    "feet_inches_fraction": dntos_seed(4, 4, 0, 1, -30.5, 70, 10),
+    "fraction": dntos_seed(5, 2, 0, 0, 2.25, -3, 3),
+    "nan_feet": dntos_seed(3, -8, 4, 0, "nan", -2147483648, 65535),
+    "unknown_mode": dntos_seed(6, 2, 0, 0, 1.0, 2, 4),
+}
+
+
+def match_seed(name, pattern, limit=99, list_call=False, pos=0):
+    flags = (1 if list_call else 0) | (3 << 1)
+    out = bytes([flags]) + struct.pack("<hb", limit, pos)
+    return out + name.encode("latin-1") + b"\0" + pattern.encode("latin-1")
+
+
+MATCH_SEEDS = {
+    "star_list": match_seed("barrel", "foo , bar*", list_call=True),
+    "sets": match_seed("Bx", "[a-c]x,[~aA-]],[]]", list_call=True),
+    "escapes": match_seed("a\\\\b*", "a\\\\b\\*`x`\\y"),
+    "negation": match_seed("abc", "~a*"),
+    "many_stars": match_seed("a" * 40, "*a*a*a*a*a*a*b"),
+    "limit": match_seed("abcdef", "abx", limit=1),
+    "unclosed_set": match_seed("a", "[abc"),
+}
+
+
+def write(target, seeds):
     here = os.path.dirname(os.path.abspath(__file__))
-    directory = os.path.join(here, "corpus", "offset")
+    directory = os.path.join(here, "corpus", target)
     os.makedirs(directory, exist_ok=True)
-    for name, data in SEEDS.items():
+    for name, data in seeds.items():
         with open(os.path.join(directory, name), "wb") as f:
             f.write(data)
+
+
+def main():
+    write("offset", SEEDS)
+    write("rect_clip", CLIP_SEEDS)
+    write("dntos", DNTOS_SEEDS)
+    write("match", MATCH_SEEDS)
 
 
 if __name__ == "__main__":

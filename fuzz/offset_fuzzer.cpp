@@ -6,11 +6,8 @@
 //   byte 1   flags: bit 0 closed, bit 1 pass a closed flag of 7 instead of 1, bit 2 through the
 //            pick point, bit 3 call TrimLoopS instead of PLineOffset, bits 4-6 the tolerance
 //            (an entry of kTolerances; 7 reads it as a value)
-//   values   [eps], pick x, pick y, dist, then x, y, bulge for each row.
-// A value starts with a tag byte t: t < 0x80 takes one more byte and gives a multiple of 1/64 in
-// [-256, 256) (exact coordinates make collinear, coincident and tangent cases common);
-// 0x80 <= t < 0xC0 picks one of kSpecialValues (NaN, infinities, extremes, tolerance-sized
-// numbers); t >= 0xC0 takes the next 8 bytes as a raw double.
+//   values   [eps], pick x, pick y, dist, then x, y, bulge for each row (values as read by
+//            fuzz::ByteReader, fuzz_support.h).
 //
 // Properties, each aborting with a message when broken:
 //   - every call returns within one second in an optimised build (AddressSanitizer and
@@ -25,32 +22,16 @@
 //   - result rows are finite when every input was finite and of moderate size.
 #include <Tarnsysm.h>
 
+#include "fuzz_support.h"
+
 #include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <limits>
-#include <memory>
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TARNSYSM_FUZZ_ASAN 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define TARNSYSM_FUZZ_ASAN 1
-#endif
-#if defined(TARNSYSM_FUZZ_ASAN)
-#include <sanitizer/asan_interface.h>
-#endif
 
 namespace {
 
 constexpr int kMaxRows = 64;
-constexpr int kGuardRows = 4;
 #if defined(TARNSYSM_FUZZ_ASAN)
 constexpr int kSanitizerSlowdown = 10;
 #else
@@ -73,138 +54,25 @@ constexpr double kModerate = 1e6;
 
 constexpr double kTolerances[7] = {1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 1e-12, 0.1};
 
-const double kSpecialValues[] = {
-    std::numeric_limits<double>::quiet_NaN(),
-    -std::numeric_limits<double>::quiet_NaN(),
-    std::numeric_limits<double>::infinity(),
-    -std::numeric_limits<double>::infinity(),
-    std::numeric_limits<double>::max(),
-    -std::numeric_limits<double>::max(),
-    std::numeric_limits<double>::min(),
-    std::numeric_limits<double>::denorm_min(),
-    1e300,
-    -1e300,
-    1e150,
-    1e15,
-    1e6,
-    -1e6,
-    -0.0,
-    0.0,
-    1e-9,
-    -1e-9,
-    5e-10,
-    2e-9,
-    1e-10,
-    3.1622776601683795e-05,  // sqrt(1e-9): the merge distance of duplicate rows
-    1e-15,
-    1.0,
-    -1.0,
-    0.5,
-    3.141592653589793,
-    100.0,
-};
-constexpr std::size_t kSpecialCount = sizeof kSpecialValues / sizeof kSpecialValues[0];
-
-// A bit pattern no computation produces: a signalling NaN with a payload.
-constexpr std::uint64_t kSentinelBits = 0x7FF4DEADBEEF0001ull;
-
-class ByteReader {
- public:
-  ByteReader(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
-
-  std::uint8_t byte() {
-    if (left_ == 0)
-      return 0;
-    --left_;
-    return *data_++;
-  }
-
-  double value() {
-    const std::uint8_t tag = byte();
-    if (tag < 0x80) {
-      const int grid = (tag << 8 | byte()) - 0x4000;
-      return grid / 64.0;
-    }
-    if (tag < 0xC0)
-      return kSpecialValues[(tag - 0x80u) % kSpecialCount];
-    std::uint8_t raw[sizeof(double)];
-    for (std::uint8_t& b : raw)
-      b = byte();
-    double v;
-    std::memcpy(&v, raw, sizeof v);
-    return v;
-  }
-
- private:
-  const std::uint8_t* data_;
-  std::size_t left_;
-};
-
-[[noreturn]] void fail(const char* what) {
-  std::fprintf(stderr, "offset fuzzer: property broken: %s\n", what);
-  std::fflush(stderr);
-  std::abort();
-}
-
-void require(bool ok, const char* what) {
-  if (!ok)
-    fail(what);
-}
+using fuzz::ByteReader;
+using fuzz::fail;
+using fuzz::require;
 
 bool isModerate(double v) {
   return std::isfinite(v) && std::fabs(v) <= kModerate;
 }
 
-// The caller's rows followed by sentinel rows that no call may touch.
+// The caller's rows followed by guard bytes that no call may touch.
 class GuardedRows {
  public:
-  explicit GuardedRows(int room) : room_(room < 0 ? 0 : room) {
-    const std::size_t total = static_cast<std::size_t>(room_ + kGuardRows);
-    rows_.reset(new double[total][5]);
-    for (std::size_t i = static_cast<std::size_t>(room_); i < total; ++i)
-      for (double& field : rows_[i])
-        std::memcpy(&field, &kSentinelBits, sizeof field);
-#if defined(TARNSYSM_FUZZ_ASAN)
-    ASAN_POISON_MEMORY_REGION(guard(), guardBytes());
-#endif
-  }
-  GuardedRows(const GuardedRows&) = delete;
-  GuardedRows& operator=(const GuardedRows&) = delete;
+  explicit GuardedRows(int room)
+      : bytes_(sizeof(double[5]) * static_cast<std::size_t>(room < 0 ? 0 : room)) {}
 
-  ~GuardedRows() {
-#if defined(TARNSYSM_FUZZ_ASAN)
-    ASAN_UNPOISON_MEMORY_REGION(guard(), guardBytes());
-#endif
-  }
-
-  double (*get())[5] {
-    return rows_.get();
-  }
-
-  bool guardIntact() {
-#if defined(TARNSYSM_FUZZ_ASAN)
-    ASAN_UNPOISON_MEMORY_REGION(guard(), guardBytes());
-#endif
-    bool intact = true;
-    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(guard());
-    for (std::size_t k = 0; k < guardBytes(); k += sizeof(double))
-      intact = intact && std::memcmp(bytes + k, &kSentinelBits, sizeof(double)) == 0;
-#if defined(TARNSYSM_FUZZ_ASAN)
-    ASAN_POISON_MEMORY_REGION(guard(), guardBytes());
-#endif
-    return intact;
-  }
+  double (*get())[5] { return reinterpret_cast<double(*)[5]>(bytes_.data()); }
+  bool guardIntact() { return bytes_.guardIntact(); }
 
  private:
-  double* guard() {
-    return rows_[static_cast<std::size_t>(room_)];
-  }
-  static std::size_t guardBytes() {
-    return sizeof(double[5]) * kGuardRows;
-  }
-
-  int room_;
-  std::unique_ptr<double[][5]> rows_;
+  fuzz::GuardedBytes bytes_;
 };
 
 // Every result row takes its attributes from some input row, except field 3 = -1.0 on the rows
