@@ -27,7 +27,7 @@ inline constexpr double kInf = std::numeric_limits<double>::infinity();
 // A power of two: eps / 2, 2 eps and sums such as 1 + eps are exact, so boundaries decide exactly.
 inline constexpr double kE = 1.0 / 1024.0;
 // Written into outputs before a call, so that "left untouched" can be seen afterwards.
-inline constexpr double kSentinel = -12345.0;
+inline constexpr double kUnwritten = -12345.0;
 
 /// Draws from the values that break careless geometry code: NaN, infinities, huge and tiny
 /// magnitudes, alongside a few ordinary ones.
@@ -78,10 +78,10 @@ inline testing::AssertionResult near(std::initializer_list<double> got,
   return testing::AssertionSuccess();
 }
 
-/// Every value still holds kSentinel: the call wrote none of these outputs.
+/// Every value still holds kUnwritten: the call wrote none of these outputs.
 inline testing::AssertionResult untouched(std::initializer_list<double> values) {
   for (double v : values) {
-    if (v != kSentinel)
+    if (v != kUnwritten)
       return testing::AssertionFailure() << "an output was written: " << v;
   }
   return testing::AssertionSuccess();

@@ -153,13 +153,13 @@ TEST(PL_Arc_PBPP, table) {
       {"after_a_line_turning_right", -1, 0, 0, 1, -1, 1, -kQuarter, 3 * kHalfPi},
       {"after_a_clockwise_half_circle", -2, 0, -1, 1, -1, 1, kQuarter, 0},
       {"after_a_counter_clockwise_quarter", -1, -1, kQuarter, -1, 1, 1, kQuarter, kPi},
-      {"end_on_the_tangent_line", -1, 0, 0, 3, 0, 0, kSentinel, kSentinel},
+      {"end_on_the_tangent_line", -1, 0, 0, 3, 0, 0, kUnwritten, kUnwritten},
   };
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
     double p0[2] = {r.p0x, r.p0y}, p1[2] = {0, 0}, p2[2] = {r.p2x, r.p2y};
-    double bulge = kSentinel, dir = kSentinel;
+    double bulge = kUnwritten, dir = kUnwritten;
     EXPECT_EQ(PL_Arc_PBPP(kE, p0, r.bulge, p1, p2, &bulge, &dir), r.result);
     EXPECT_NEAR(bulge, r.newBulge, 1e-12);
     EXPECT_TRUE(r.result == 0 ? untouched({dir}) : sameDirection(dir, r.endDir, 1e-12));
@@ -187,7 +187,7 @@ TEST(Hostile, bulge_functions_keep_their_documented_results) {
     ASSERT_TRUE(!(nanPQ || anyNaN({a})) || PL_TestVertex(7, eps, p, q, a) == 0);
     ASSERT_TRUE(!(nanPQ || anyNaN({a})) || PL_TestVertex(8, eps, p, a, q) == 0);
     ASSERT_TRUE(!(nanPQ || anyNaN({w[0], w[1]})) || PL_TestVertex(9, eps, p, q, w) == 0);
-    double b = kSentinel, dir = kSentinel;
+    double b = kUnwritten, dir = kUnwritten;
     ASSERT_TRUE(PL_Arc_PBPP(eps, p, h(), q, w, &b, &dir) == 1 ? std::isfinite(b + dir)
                                                               : untouched({b, dir}));
   }

@@ -23,7 +23,7 @@ struct SegmentRow {
   double q[2], w[2];  // its inputs after stp = (0, 0): edp, cen, p2 and p3, or dir in q[0]
   int result;
   double bulge, endDir;
-  double px, py;  // the point written back (end point), kSentinel where none is written
+  double px, py;  // the point written back (end point), kUnwritten where none is written
 };
 
 int build(const SegmentRow& r, double* stp, double* q, double* w, double* bulge, double* dir) {
@@ -49,7 +49,7 @@ int build(const SegmentRow& r, double* stp, double* q, double* w, double* bulge,
 
 TEST(PL_segments, table) {
   const double cwCentreDir = std::atan2(kR2, 2) - kHalfPi + kTwoPi;
-  const double S = kSentinel;
+  const double S = kUnwritten;
   const SegmentRow rows[] = {
       // clang-format off
       {"sta_edp_left_quarter", StaEdp, 0, 0, {1, 1}, {}, 1, kQuarter, kHalfPi, S, S},
@@ -155,7 +155,7 @@ TEST(PL_segments, random_segments_obey_the_inscribed_angle_facts) {
 }
 
 TEST(DArc, table) {
-  const double S = kSentinel;
+  const double S = kUnwritten;
   // kind: 0 3P (p2, p3); 1 StpStaEdp (a, edp); 2 StpEdpIna (edp, a); 3 StpInaRadDir (a, r, dir); 4
   // StpRadEdp (r, edp)
   // clang-format off
@@ -254,7 +254,7 @@ TEST(DArc, random_arcs_pass_through_their_points) {
 // writing anything.
 TEST(Hostile, constructions_report_success_only_with_finite_outputs) {
   HostileNumbers h(7);
-  const double S = kSentinel;
+  const double S = kUnwritten;
   for (int i = 0; i < 20000; ++i) {
     const double eps = std::fabs(h()), a = h(), b = h();
     double p[2] = {h(), h()}, q[2] = {h(), h()}, w[2] = {h(), h()};

@@ -21,14 +21,14 @@ TEST(D2LInts, table) {
       {"first_parameter_one_and_two_eps", {0, 0, 1, 0, 1 + 2 * kE, -1, 1 + 2 * kE, 1}, 1, 1 + 2 * kE, 0, 2},
       {"second_parameter_minus_eps", {-2, 0, 2, 0, 0, kE, 0, 1 + kE}, 1, 0, 0, 3},
       {"second_parameter_minus_two_eps", {-2, 0, 2, 0, 0, 2 * kE, 0, 1 + 2 * kE}, 1, 0, 0, 1},
-      {"both_vertical", {0, 0, kE, 1, 3, 0, 3, 1}, 0, kSentinel, kSentinel, 0},
-      {"slopes_within_eps", {0, 0, 1, 1, 0, 1, 1, 2 + kE / 2}, 0, kSentinel, kSentinel, 0},
-      {"small_determinant", {0, 0, 1, 0, 0, 1, 2 * kE, 1 + kE / 2}, 0, kSentinel, kSentinel, 0},
+      {"both_vertical", {0, 0, kE, 1, 3, 0, 3, 1}, 0, kUnwritten, kUnwritten, 0},
+      {"slopes_within_eps", {0, 0, 1, 1, 0, 1, 1, 2 + kE / 2}, 0, kUnwritten, kUnwritten, 0},
+      {"small_determinant", {0, 0, 1, 0, 0, 1, 2 * kE, 1 + kE / 2}, 0, kUnwritten, kUnwritten, 0},
   };
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    double x = kSentinel, y = kSentinel;
+    double x = kUnwritten, y = kUnwritten;
     int flag = 99;
     const double* l = r.l;
     EXPECT_EQ(D2LInts(kE, l[0], l[1], l[2], l[3], l[4], l[5], l[6], l[7], &x, &y, &flag), r.result);
@@ -44,23 +44,23 @@ TEST(DCirLInts_DArcLInts, table) {
       {"secant_through_the_centre", {-2, 0, 2, 0}, {0, 0, 1}, 1, 0, 2, -1, 0, 1, 0, 3},
       {"oblique_secant", {-3, -4, 7, 6}, {2, 1, std::sqrt(2.0)}, 1, 0, 2, 1, 0, 3, 2, 3},
       {"secant_backwards", {2, 0, -2, 0}, {0, 0, 1}, 1, 0, 2, 1, 0, -1, 0, 3},
-      {"tangent_gives_the_foot", {-2, 1, 2, 1}, {0, 0, 1}, 1, 0, 1, 0, 1, kSentinel, kSentinel, 1},
-      {"tangent_foot_eps_before_the_start", {kE, 1, 2, 1}, {0, 0, 1}, 1, 0, 1, 0, 1, kSentinel, kSentinel, 0},
+      {"tangent_gives_the_foot", {-2, 1, 2, 1}, {0, 0, 1}, 1, 0, 1, 0, 1, kUnwritten, kUnwritten, 1},
+      {"tangent_foot_eps_before_the_start", {kE, 1, 2, 1}, {0, 0, 1}, 1, 0, 1, 0, 1, kUnwritten, kUnwritten, 0},
       {"secant_second_point_eps_before_start", {1 + kE, 0, 3, 0}, {0, 0, 1}, 1, 0, 2, -1, 0, 1, 0, 0},
       {"secant_first_point_eps_past_end", {-3, 0, -1 - kE, 0}, {0, 0, 1}, 1, 0, 2, -1, 0, 1, 0, 0},
-      {"distance_exactly_r_less_eps_meets_nothing", {-2, 1 - kE, 2, 1 - kE}, {0, 0, 1}, 1, 0, 0, kSentinel, kSentinel, kSentinel, kSentinel, 0},
-      {"line_not_longer_than_eps", {0, 0, kE, 0}, {0, 0, 1}, 1, 0, 0, kSentinel, kSentinel, kSentinel, kSentinel, 0},
+      {"distance_exactly_r_less_eps_meets_nothing", {-2, 1 - kE, 2, 1 - kE}, {0, 0, 1}, 1, 0, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
+      {"line_not_longer_than_eps", {0, 0, kE, 0}, {0, 0, 1}, 1, 0, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
       {"arc_keeps_both", {-2, 0, 2, 0}, {0, 0, 1}, -1, 4, 2, -1, 0, 1, 0, 3},
       {"arc_keeps_the_first", {-3, 0, 0, 0}, {0, 0, 1}, kHalfPi, 3 * kHalfPi, 1, -1, 0, 1, 0, 1},
       {"arc_keeps_the_second_in_the_first_slot", {-3, 0, 2, 0}, {0, 0, 1}, -kHalfPi, kHalfPi, 1, 1, 0, 1, 0, 1},
       {"arc_keeps_the_second_off_the_segment", {-3, 0, 0, 0}, {0, 0, 1}, -kHalfPi, kHalfPi, 1, 1, 0, 1, 0, 0},
       {"arc_misses_both", {-2, 0, 2, 0}, {0, 0, 1}, 1, 2, 0, -1, 0, 1, 0, 0},
-      {"arc_misses_the_tangent_point", {-2, 1, 2, 1}, {0, 0, 1}, kPi, 3 * kHalfPi, 0, 0, 1, kSentinel, kSentinel, 0},
+      {"arc_misses_the_tangent_point", {-2, 1, 2, 1}, {0, 0, 1}, kPi, 3 * kHalfPi, 0, 0, 1, kUnwritten, kUnwritten, 0},
   };
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    double xa = kSentinel, ya = kSentinel, xb = kSentinel, yb = kSentinel;
+    double xa = kUnwritten, ya = kUnwritten, xb = kUnwritten, yb = kUnwritten;
     int flag = 99;
     const double *l = r.l, *c = r.c;
     const int n = r.sa > r.ea ? DCirLInts(kE, l[0], l[1], l[2], l[3], c[0], c[1], c[2], &xa, &ya,
@@ -78,25 +78,25 @@ TEST(D2CirInts_D2ArcInts, table) {
   // clang-format off
   const struct { const char* name; double c1[5], c2[5]; int result; double xa, ya, xb, yb, tol; } rows[] = {
       {"two_points_right_then_left", {0, 0, 1, 1}, {1, 0, 1, 1}, 2, 0.5, -kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
-      {"touching_outside", {0, 0, 1, 1}, {2, 0, 1, 1}, 1, 1, 0, kSentinel, kSentinel, 1e-15},
-      {"touching_inside", {0, 0, 2, 1}, {1, 0, 1, 1}, 1, 2, 0, kSentinel, kSentinel, 1e-15},
-      {"nested_exactly_eps_inside_the_edge", {0, 0, 2, 1}, {1 - kE, 0, 1, 1}, 1, 2 + kE, 0, kSentinel, kSentinel, 1e-5},
-      {"nested_by_two_eps", {0, 0, 2, 1}, {1 - 2 * kE, 0, 1, 1}, 0, kSentinel, kSentinel, kSentinel, kSentinel, 0},
-      {"crossing_within_eps_of_touching_inside", {0, 0, 100, 1}, {1 - kE / 2, 0, 99, 1}, 1, 100, 0, kSentinel, kSentinel, 0.1},
-      {"too_far_apart", {0, 0, 1, 1}, {2 + 2 * kE, 0, 1, 1}, 0, kSentinel, kSentinel, kSentinel, kSentinel, 0},
-      {"concentric_equal", {3, 4, 1, 1}, {3, 4, 1, 1}, 0, kSentinel, kSentinel, kSentinel, kSentinel, 0},
-      {"nan_radius", {0, 0, 1, 1}, {1, 0, kNaN, 1}, 0, kSentinel, kSentinel, kSentinel, kSentinel, 0},
-      {"infinite_radius", {155, 4.25, kInf, 1}, {9.44, 4.25, 6.88, 1}, 0, kSentinel, kSentinel, kSentinel, kSentinel, 0},
+      {"touching_outside", {0, 0, 1, 1}, {2, 0, 1, 1}, 1, 1, 0, kUnwritten, kUnwritten, 1e-15},
+      {"touching_inside", {0, 0, 2, 1}, {1, 0, 1, 1}, 1, 2, 0, kUnwritten, kUnwritten, 1e-15},
+      {"nested_exactly_eps_inside_the_edge", {0, 0, 2, 1}, {1 - kE, 0, 1, 1}, 1, 2 + kE, 0, kUnwritten, kUnwritten, 1e-5},
+      {"nested_by_two_eps", {0, 0, 2, 1}, {1 - 2 * kE, 0, 1, 1}, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
+      {"crossing_within_eps_of_touching_inside", {0, 0, 100, 1}, {1 - kE / 2, 0, 99, 1}, 1, 100, 0, kUnwritten, kUnwritten, 0.1},
+      {"too_far_apart", {0, 0, 1, 1}, {2 + 2 * kE, 0, 1, 1}, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
+      {"concentric_equal", {3, 4, 1, 1}, {3, 4, 1, 1}, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
+      {"nan_radius", {0, 0, 1, 1}, {1, 0, kNaN, 1}, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
+      {"infinite_radius", {155, 4.25, kInf, 1}, {9.44, 4.25, 6.88, 1}, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
       {"arcs_keep_both", {0, 0, 1, -2, 2}, {1, 0, 1, 1, 5}, 2, 0.5, -kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
       {"arcs_keep_the_first", {0, 0, 1, -2, 0}, {1, 0, 1, 1, 5}, 1, 0.5, -kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
       {"arcs_keep_the_second_in_the_first_slot", {0, 0, 1, 0, 2}, {1, 0, 1, 1, 5}, 1, 0.5, kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
       {"second_arc_rejects_both", {0, 0, 1, -2, 2}, {1, 0, 1, 5, 1}, 0, 0.5, -kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
-      {"touching_point_off_an_arc", {0, 0, 1, 1, 2}, {2, 0, 1, 1, 5}, 0, 1, 0, kSentinel, kSentinel, 1e-15},
+      {"touching_point_off_an_arc", {0, 0, 1, 1, 2}, {2, 0, 1, 1, 5}, 0, 1, 0, kUnwritten, kUnwritten, 1e-15},
   };
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    double xa = kSentinel, ya = kSentinel, xb = kSentinel, yb = kSentinel;
+    double xa = kUnwritten, ya = kUnwritten, xb = kUnwritten, yb = kUnwritten;
     const double *a = r.c1, *b = r.c2;
     const int n = a[3] > a[4]
                       ? D2CirInts(kE, a[0], a[1], a[2], b[0], b[1], b[2], &xa, &ya, &xb, &yb)

@@ -11,7 +11,7 @@ using namespace tarnsysm::test;
 
 const double kQ = std::tan(kPi / 8);  // the bulge of a counter-clockwise quarter circle
 const double kR2 = std::sqrt(2.0), kS = std::sqrt(35.5), kR40 = std::sqrt(40.0);
-constexpr double S = kSentinel;
+constexpr double S = kUnwritten;
 
 enum Kind { LL, LA, AL, AA, Point };
 

@@ -32,7 +32,7 @@ TEST(DAngle, table) {
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    double angle = kSentinel;
+    double angle = kUnwritten;
     EXPECT_EQ(DAngle(r.eps, r.x1, r.y1, r.x2, r.y2, &angle), r.result);
     EXPECT_NEAR(angle, r.angle, r.tol);
     EXPECT_TRUE(angleInTurn(r.eps, angle));
@@ -175,7 +175,7 @@ TEST(Points, coincidence_distances_copies_rotation_and_unit_vectors) {
   RotatePoint(kHalfPi, r);
   EXPECT_TRUE(near({r[0], r[1]}, {-1, 2}, 1e-15));
   EXPECT_EQ(r[2], 5);
-  double ux = kSentinel, uy = kSentinel;
+  double ux = kUnwritten, uy = kUnwritten;
   EXPECT_EQ(DLineUnitVector(kE, 1, 1, 1, 1 + kE / 2, &ux, &uy), 0);
   EXPECT_EQ(DLineUnitVector(kE, 1, 1, kNaN, 1, &ux, &uy), 0);
   EXPECT_TRUE(untouched({ux, uy}));
@@ -190,7 +190,7 @@ TEST(Hostile, angle_primitives_keep_their_documented_results) {
   HostileNumbers h(3);
   for (int i = 0; i < 20000; ++i) {
     const double eps = std::fabs(h()), a = h(), b = h(), c = h();
-    double angle = kSentinel;
+    double angle = kUnwritten;
     const int found = DAngle(eps, a, b, c, h(), &angle);
     ASSERT_TRUE(found == 0 || found == 1);
     ASSERT_TRUE(!std::isfinite(angle * eps) || angleInTurn(eps, angle)) << angle;

@@ -53,22 +53,22 @@ TEST(DPointVerL_DPonLdisP_DPnearLine, table) {
       {"foot_beyond_p2_by_two_eps", 0, 4 + 2 * kE, 3, 0, 0, 4, 0, 2, 4 + 2 * kE, 0},
       {"foot_before_p1_by_eps", 0, -kE, 1, 0, 0, 4, 0, 1, -kE, 0},
       {"foot_before_p1_by_two_eps", 0, -2 * kE, 1, 0, 0, 4, 0, 2, -2 * kE, 0},
-      {"foot_of_a_degenerate_line", 0, 1, 1, 2, 2, 2, 2 + kE / 2, 0, kSentinel, kSentinel},
+      {"foot_of_a_degenerate_line", 0, 1, 1, 2, 2, 2, 2 + kE / 2, 0, kUnwritten, kUnwritten},
       {"distance_along", 1, 10, 0, 1, 1, 4, 5, 1, 7, 9},
       {"distance_backwards", 1, -5, 0, 1, 1, 4, 5, 1, -2, -3},
-      {"distance_on_a_degenerate_line", 1, 1, 0, 2, 2, 2 + kE / 2, 2, 0, kSentinel, kSentinel},
+      {"distance_on_a_degenerate_line", 1, 1, 0, 2, 2, 2 + kE / 2, 2, 0, kUnwritten, kUnwritten},
       {"nearest_inside", 2, 3, 7, 1, 1, 5, 1, 1, 3, 1},
       {"nearest_at_half_eps_snaps_to_p1", 2, 1 + 2 * kE, 3, 1, 1, 5, 1, 1, 1, 1},
       {"nearest_at_exactly_eps_stays", 2, 1 + 4 * kE, 3, 1, 1, 5, 1, 1, 1 + 4 * kE, 1},
       {"nearest_at_one_less_eps_stays", 2, 5 - 4 * kE, 3, 1, 1, 5, 1, 1, 5 - 4 * kE, 1},
       {"nearest_at_one_less_half_eps_snaps", 2, 5 - 2 * kE, 3, 1, 1, 5, 1, 1, 5, 1},
       {"nearest_oblique", 2, 0, 5, 1, 1, 4, 5, 1, 2.56, 3.08},
-      {"nearest_to_a_degenerate_line", 2, 0, 0, 1, 1, 1, 1, 0, kSentinel, kSentinel},
+      {"nearest_to_a_degenerate_line", 2, 0, 0, 1, 1, 1, 1, 0, kUnwritten, kUnwritten},
   };
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    double x = kSentinel, y = kSentinel;
+    double x = kUnwritten, y = kUnwritten;
     const int got = r.fn == 0   ? DPointVerL(kE, r.px, r.py, r.x1, r.y1, r.x2, r.y2, &x, &y)
                     : r.fn == 1 ? DPonLdisP(kE, r.px, r.x1, r.y1, r.x2, r.y2, &x, &y)
                                 : DPnearLine(kE, r.px, r.py, r.x1, r.y1, r.x2, r.y2, &x, &y);
@@ -88,18 +88,18 @@ TEST(DPnearArc_DPonAperK, table) {
       {"below_the_centre_on_the_lower_half", 0, 1, 0, 1, kPi, kTwoPi, 1, 1, 1},
       {"start_exactly_eps_above_zero", 0, 3, 2, 1, kE, kPi, 1, 2, 2},
       {"sweep_through_zero", 0, -1, 2.1, 1, 3 * kHalfPi, kHalfPi, 1, 1, 3},
-      {"point_on_the_centre", 0, 1 + kE / 2, 2, 1, 0, kPi, 0, kSentinel, kSentinel},
-      {"radius_below_eps", 0, 3, 2, kE / 2, 0, kPi, 0, kSentinel, kSentinel},
+      {"point_on_the_centre", 0, 1 + kE / 2, 2, 1, 0, kPi, 0, kUnwritten, kUnwritten},
+      {"radius_below_eps", 0, 3, 2, kE / 2, 0, kPi, 0, kUnwritten, kUnwritten},
       {"fraction_one_is_the_end", 1, 1, 0, 2, 0, kHalfPi, 1, 1, 4},
       {"fraction_half", 1, 0.5, 0, 2, kHalfPi, kPi + kHalfPi, 1, -1, 2},
       {"start_turns_away", 1, 0, 0, 2, kHalfPi + 6 * kTwoPi, 7 * kTwoPi, 1, 1, 4},
-      {"fraction_above_one_by_an_ulp", 1, std::nextafter(1.0, 2.0), 0, 2, 0, 1, 0, kSentinel, kSentinel},
-      {"fraction_below_zero", 1, -1e-300, 0, 2, 0, 1, 0, kSentinel, kSentinel},
+      {"fraction_above_one_by_an_ulp", 1, std::nextafter(1.0, 2.0), 0, 2, 0, 1, 0, kUnwritten, kUnwritten},
+      {"fraction_below_zero", 1, -1e-300, 0, 2, 0, 1, 0, kUnwritten, kUnwritten},
   };
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    double x = kSentinel, y = kSentinel, centre[2] = {1, 2};
+    double x = kUnwritten, y = kUnwritten, centre[2] = {1, 2};
     const int got = r.fn == 0 ? DPnearArc(kE, r.px, r.py, 1, 2, r.r, r.sa, r.ea, &x, &y)
                               : DPonAperK(kE, r.px, centre, r.r, r.sa, r.ea, &x, &y);
     EXPECT_EQ(got, r.result);
@@ -116,14 +116,14 @@ TEST(DPonPLperV, table) {
       {"half_circle_clockwise_runs_above", 0.5, 2, -1, 1, 1, 1, 0},
       {"quarter_circle_end", 1, 2, std::tan(kPi / 8), 1, 2, 0, kPi / 4},
       {"fraction_one_and_eps", 1 + kE, 2, 0, 1, 2 + 2 * kE, 0, 0},
-      {"fraction_one_and_two_eps", 1 + 2 * kE, 2, 0, 0, kSentinel, kSentinel, kSentinel},
-      {"fraction_below_minus_eps", -2 * kE, 2, 0, 0, kSentinel, kSentinel, kSentinel},
-      {"chord_below_eps", 0.5, kE / 2, 1, 0, kSentinel, kSentinel, kSentinel},
+      {"fraction_one_and_two_eps", 1 + 2 * kE, 2, 0, 0, kUnwritten, kUnwritten, kUnwritten},
+      {"fraction_below_minus_eps", -2 * kE, 2, 0, 0, kUnwritten, kUnwritten, kUnwritten},
+      {"chord_below_eps", 0.5, kE / 2, 1, 0, kUnwritten, kUnwritten, kUnwritten},
   };
   // clang-format on
   for (const auto& r : rows) {
     SCOPED_TRACE(r.name);
-    double p1[2] = {0, 0}, p2[2] = {r.x2, 0}, out[3] = {kSentinel, kSentinel, kSentinel};
+    double p1[2] = {0, 0}, p2[2] = {r.x2, 0}, out[3] = {kUnwritten, kUnwritten, kUnwritten};
     EXPECT_EQ(DPonPLperV(kE, r.k, p1, p2, r.bulge, out), r.result);
     EXPECT_TRUE(near({out[0], out[1]}, {r.x, r.y}, 1e-12));
     if (r.result == 1)
@@ -162,8 +162,8 @@ TEST(Hostile, queries_keep_their_documented_results) {
   HostileNumbers h(4);
   for (int i = 0; i < 20000; ++i) {
     const double eps = std::fabs(h());
-    double x = kSentinel, y = kSentinel, p1[2] = {h(), h()}, p2[2] = {h(), h()};
-    double out[3] = {kSentinel, kSentinel, kSentinel};
+    double x = kUnwritten, y = kUnwritten, p1[2] = {h(), h()}, p2[2] = {h(), h()};
+    double out[3] = {kUnwritten, kUnwritten, kUnwritten};
     const int on = DPointOnLine(eps, h(), h(), h(), h(), h(), h()) +
                    2 * DPointOnArc(eps, h(), h(), h(), h(), h(), h(), h());
     ASSERT_TRUE(on >= 0 && on <= 3);
