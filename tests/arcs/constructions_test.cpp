@@ -170,8 +170,10 @@ TEST(DArc, table) {
       {"sta_edp_ahead", 1, 0, 0, {3, 0}, {}, 0, S, S, S, S, S, 99},
       {"sta_edp_behind", 1, 0, 0, {-3, 0}, {}, 0, S, S, S, S, S, 99},
       {"edp_ina_half_circle", 2, kPi, 0, {2, 0}, {}, 1, 1, 0, 1, kPi, kTwoPi, -1},
+      {"edp_ina_within_eps_is_no_arc", 2, kE / 2, 0, {2, 0}, {}, 0, S, S, S, S, S, 99},
       {"edp_ina_whole_turn", 2, kTwoPi, 0, {2, 0}, {}, 0, S, S, S, S, S, 99},
       {"ina_rad_dir_left_quarter", 3, kHalfPi, 1, {kPi / 4, 0}, {}, 1, 0, 1, S, 3 * kHalfPi, kTwoPi, -1},
+      {"ina_rad_dir_tiny_sweep_stays_tiny", 3, kE / 2, 1, {0, 0}, {}, 1, std::sin(kE / 4), std::cos(kE / 4), S, 3 * kHalfPi - kE / 4, 3 * kHalfPi + kE / 4, -1},
       {"ina_rad_dir_clockwise_major", 3, -3 * kHalfPi, 1, {0, 0}, {}, 1, kR2 / 2, kR2 / 2, S, 7 * kPi / 4, 13 * kPi / 4, 2},
       {"ina_rad_dir_counter_clockwise_major", 3, 3 * kHalfPi, 1, {0, 0}, {}, 1, kR2 / 2, -kR2 / 2, S, 3 * kPi / 4, 9 * kPi / 4, -2},
       {"rad_edp_half_circle", 4, 0, 1, {2, 0}, {}, 1, 1, 0, S, kPi, kTwoPi, 99},
@@ -193,6 +195,11 @@ TEST(DArc, table) {
     EXPECT_TRUE(near({c[0], c[1], radius, sa, ea}, {r.cx, r.cy, r.radius, r.sa, r.ea}, 1e-12));
     EXPECT_EQ(flag, r.flag);
   }
+  // The second point within eps of the first, away from the origin, the third far enough for a
+  // clear triangle area.
+  double p1[2] = {5, 5}, p2[2] = {5 + kE / 2, 5}, p3[2] = {5, 1005}, c[2], r, sa, ea;
+  short flag;
+  EXPECT_EQ(DArcParam3P(kE, p1, p2, p3, c, &r, &sa, &ea, &flag), 0);
 }
 
 // Random drafting arcs: the given points lie on the circle at the arc's ends (sa at the start

@@ -61,6 +61,9 @@ TEST(CornerJoins, table) {
                yNear = 10.01 - std::sqrt(121 - (c - 1) * (c - 1));
   const double bNear = std::tan((-kHalfPi - a0) / 4),
                tNear = (std::atan2(yNear - 10.01, c - 1) - a0) / (-kHalfPi - a0);
+  const double a1 = std::atan2(0.01, c), yPlus = 9.99 + std::sqrt(121 - (c - 1) * (c - 1));
+  const double bPlus = std::tan((-kHalfPi - a1) / 4),
+               tPlus = (std::atan2(yPlus - 9.99, c - 1) - a1) / (-kHalfPi - a1);
   const double t11 = std::atan(0.5 / kR2) / kPi, aat1 = std::atan2(5 - kS, 5 + kS) / kHalfPi + 1;
   const double aat2 = std::atan2(-5 - kS, kS - 5) / kHalfPi + 1;
   const JoinRow rows[] = {
@@ -68,6 +71,8 @@ TEST(CornerJoins, table) {
       {"ll_right_angle_outside", LL, 1e-9, 1, {0, 0, 10, 0, 10, 10}, 0, 0, 1, 11, -1, 1.1, -0.1},
       {"ll_right_angle_inside", LL, 1e-9, -1, {0, 0, 10, 0, 10, 10}, 0, 0, 1, 9, 1, 0.9, 0.1},
       {"ll_oblique_inside", LL, 1e-9, 1, {1, 2, 4, 6, 8, 3}, 0, 0, 1, 4.2, 4.6, 0.8, 0.2},
+      {"ll_short_right_angle", LL, 1e-9, 0.1, {0, 0, 0.5, 0, 0.5, 0.5}, 0, 0, 1, 0.6, -0.1, 1.2, -0.2},
+      {"ll_collinear_vertical", LL, 1e-9, 1, {0, 0, 0, 10, 0, 20}, 0, 0, 2, 1, 10, 1, 0},
       {"ll_collinear", LL, 1e-9, 1, {0, 0, 10, 0, 20, 0}, 0, 0, 2, 10, -1, 1, 0},
       {"ll_reversal", LL, 1e-9, 1, {0, 0, 10, 0, 5, 0}, 0, 0, 0, S, S, S, S},
       {"ll_cross_exactly_eps_meets", LL, kE, 0, {0, 0, 8, 0, 16, kE / 8}, 0, 0, 1, 8, 0, 1, 0},
@@ -78,6 +83,8 @@ TEST(CornerJoins, table) {
       {"la_line_into_half_circle", LA, 1e-9, 0.5, {-10, 0, 0, 0, 2, 0}, 1, 0, 1, 1 - kR2, -0.5, (11 - kR2) / 10, t11},
       {"la_cusp_takes_the_branch_from_the_turn", LA, 1e-9, 1, {0, 0, 0, 10, 10, 0}, kQ, 0, 1, 1, 10 - kR40, 1 - kR40 / 10, tCusp},
       {"la_roots_within_round_off_take_the_vertex_root", LA, 1e-3, -1, {0, 0, 0, 10, -c, 0.01}, bNear, 0, 1, -1, yNear, yNear / 10, tNear},
+      {"la_roots_within_round_off_take_the_vertex_root_plus", LA, 1e-3, -1, {0, 0, 0, 10, -c, -0.01}, bPlus, 0, 1, -1, yPlus, yPlus / 10, tPlus},
+      {"al_touching_with_a_turn_within_eps", AL, 1e-3, -1e-3, {1.5e-3, 1.5e-3, 0, 0, -1, 0}, -kQ, 0, 0, S, S, S, S},
       {"la_touching_with_a_turn_within_eps", LA, 1e-3, 1e-3, {-1, 0, 0, 0, 1.5e-3, 1.5e-3}, kQ, 0, 0, S, S, S, S},
       {"la_moved_line_misses_the_circle", LA, 1e-9, -0.6, {-10, 0, 0, 0, 2, 0}, 1, 0, 0, S, S, S, S},
       {"la_bulge_within_eps_is_a_line", LA, kE, 1, {0, 0, 10, 0, 10, 10}, kE / 2, 0, 1, 11, -1, 1.1, -0.1},
@@ -99,9 +106,11 @@ TEST(CornerJoins, table) {
       {"point_on_a_line", Point, 1e-9, 1, {0, 0, 10, 0}, 0, 0.3, 1, 3, -1, S, S},
       {"point_on_a_counter_clockwise_arc", Point, 1e-9, 0.5, {0, 0, 2, 0}, 1, 0.5, 1, 1, -1.5, S, S},
       {"point_on_a_clockwise_arc", Point, 1e-9, 0.5, {0, 0, 2, 0}, -1, 0.5, 1, 1, 0.5, S, S},
+      {"point_on_an_arc_across_the_axis", Point, 1e-9, 0.5, {0, -1, 0, 1}, 1, 0.5, 1, 1.5, 0, S, S},
       {"point_moved_radius_minus_half_eps_is_the_centre", Point, kE, 1 + kE / 2, {0, 0, 2, 0}, -1, 0.5, 1, 1, 0, S, S},
       {"point_moved_radius_minus_two_eps", Point, kE, 1 + 2 * kE, {0, 0, 2, 0}, -1, 0.5, 0, S, S, S, S},
       {"point_on_a_degenerate_segment", Point, kE, 1, {0, 0, 0, kE / 2}, 0, 0.5, 0, S, S, S, S},
+      // clang-format on
   };
   // clang-format on
   for (const JoinRow& r : rows) {
@@ -139,12 +148,23 @@ TEST(CornerJoins, random_joins_lie_on_both_moved_segments) {
   std::mt19937_64 rng(61);
   std::uniform_real_distribution<double> c(-10, 10), b(-2, 2), d(-1, 1);
   const double eps = 1e-9;
-  for (int i = -1; i < 3000; ++i) {
+  // Lines into arcs where the vertex lies on the circle only up to round-off, beyond eps: a
+  // chord of a circle of radius 5.4 million, and chords of a circle of radius 100 cut into
+  // 100,000 pieces, near the x and the y axis. These must join; then random corners.
+  std::vector<JoinRow> fixed = {corner(LA, eps, 0.1,
+                                       {110510.35266496163, 5428863.6358390506, 110510.30481794557,
+                                        5428864.2452252656, 92707.13594878967, 5429197.5465611098},
+                                       0.00081981189987973067, 0)};
+  const auto at = [](int k) { return 100 * std::cos(kTwoPi * k / 1e5); };
+  for (int k = 1; k < 800; k += 2) {  // near the x axis, then near the y axis
+    const int m = k < 400 ? k : k + 24600;
+    fixed.push_back(corner(
+        LA, eps, 1, {at(m), at(m - 25000), at(m + 1), at(m - 24999), at(m + 2), at(m - 24998)},
+        std::tan(kPi / 2e5), 0));
+  }
+  for (int i = -static_cast<int>(fixed.size()); i < 3000; ++i) {
     const JoinRow r =
-        i < 0 ? corner(LA, eps, 0.1,
-                       {110510.35266496163, 5428863.6358390506, 110510.30481794557,
-                        5428864.2452252656, 92707.13594878967, 5429197.5465611098},
-                       0.00081981189987973067, 0)
+        i < 0 ? fixed[-i - 1]
               : corner(i % 4, eps, d(rng), {c(rng), c(rng), c(rng), c(rng), c(rng), c(rng)}, b(rng),
                        b(rng));
     const Out o = join(r, 1);

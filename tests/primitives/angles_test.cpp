@@ -105,6 +105,8 @@ TEST(ValidAngle, table) {
       {"more_than_a_turn", 2.0, 2.0 + 3 * kPi, 1.0, 1},
       {"far_turns", 1.0, 2.0, 1.5 + 1e5 * kTwoPi, 1},
       {"far_turns_outside", 1.0, 2.0, 3.0 - 1e5 * kTwoPi, 0},
+      {"end_exactly_eps_below_start_is_empty", 2.0, 2.0 - kE, 2.5, 0},
+      {"far_start_minus_eps", 100, 101, 100 - kE, 1},
       {"far_start", 1.0 + 40 * kTwoPi, 2.0 + 40 * kTwoPi, 1.5, 1},
       {"nan_angle", 0.0, 1.0, kNaN, 0},
       {"infinite_end", 0.0, kInf, 0.5, 0},
