@@ -78,6 +78,7 @@ TEST(PL_segments, table) {
       {"rad_edp_chord_beyond_the_diameter", RadEdp, 0.9, 0, {2, 0}, {}, 1, 0, 0, S, S},
       {"three_points_clockwise_half", ThreeP, 0, 0, {1, 1}, {2, 0}, 1, -1, 3 * kHalfPi, S, S},
       {"three_points_collinear", ThreeP, 0, 0, {1, 1}, {2, 2}, 0, S, S, S, S},
+      // clang-format on
   };
   // clang-format on
   for (const SegmentRow& r : rows) {
@@ -121,6 +122,9 @@ TEST(PL_segments, random_segments_obey_the_inscribed_angle_facts) {
     double b, dir, p[2] = {q[0], q[1]}, cen[2] = {q[0], q[1]};
     EXPECT_TRUE(PL_StpStaEdp(eps, stp, sta, q, &b, &dir) == 0 ||
                 (leaves(stp, q, b, sta) && arrives(stp, q, b, dir)));
+    ASSERT_EQ(PL_StpInaEdp(eps, stp, std::fabs(ina), q, &b, &dir),
+              1);  // the centre left of the chord
+    EXPECT_TRUE(std::fabs(b - std::tan(std::fabs(ina) / 4)) < 1e-12 && arrives(stp, q, b, dir));
     ASSERT_EQ(PL_StpInaCen(eps, stp, ina, cen, &b, &dir), 1);  // cen becomes the end point
     EXPECT_TRUE(onCircle(cen[0], cen[1], q[0], q[1], dist, 1e-9) && arrives(stp, cen, b, dir));
     EXPECT_NEAR(b, std::tan(ina / 4), 1e-12);
@@ -160,6 +164,7 @@ TEST(DArc, table) {
   // StpRadEdp (r, edp)
   // clang-format off
   const struct { const char* name; int kind; double a, r, q[2], w[2]; int result; double cx, cy, radius, sa, ea; short flag; } rows[] = {
+      // clang-format off
       {"3p_clockwise_swaps_the_angles", 0, 0, 0, {1, 1}, {2, 0}, 1, 1, 0, 1, 0, kPi, 1},
       {"3p_counter_clockwise", 0, 0, 0, {-1, 1}, {-2, 0}, 1, -1, 0, 1, 0, kPi, -1},
       {"3p_second_point_exactly_eps_away", 0, 0, 0, {kE, 0}, {0, 1}, 1, kE / 2, 0.5, std::hypot(kE / 2, 0.5), std::atan2(-0.5, -kE / 2) + kTwoPi, std::atan2(0.5, -kE / 2) + kTwoPi, -1},
@@ -167,6 +172,8 @@ TEST(DArc, table) {
       {"3p_collinear", 0, 0, 0, {1, 1}, {3, 3}, 0, S, S, S, S, S, 99},
       {"sta_edp_left", 1, 0, 0, {1, 1}, {}, 1, 0, 1, 1, 3 * kHalfPi, kTwoPi, -1},
       {"sta_edp_right", 1, 0, 0, {1, -1}, {}, 1, 0, -1, 1, 0, kHalfPi, 1},
+      {"edp_dir_ahead", 5, 0, 0, {3, 0}, {}, 0, S, S, S, S, S, 99},
+      {"edp_dir_behind", 5, 0, 0, {-3, 0}, {}, 0, S, S, S, S, S, 99},
       {"sta_edp_ahead", 1, 0, 0, {3, 0}, {}, 0, S, S, S, S, S, 99},
       {"sta_edp_behind", 1, 0, 0, {-3, 0}, {}, 0, S, S, S, S, S, 99},
       {"edp_ina_half_circle", 2, kPi, 0, {2, 0}, {}, 1, 1, 0, 1, kPi, kTwoPi, -1},
@@ -179,6 +186,7 @@ TEST(DArc, table) {
       {"rad_edp_half_circle", 4, 0, 1, {2, 0}, {}, 1, 1, 0, S, kPi, kTwoPi, 99},
       {"rad_edp_chord_beyond_the_diameter", 4, 0, 0.9, {2, 0}, {}, 0, S, S, S, S, S, 99},
       {"rad_edp_negative_radius", 4, 0, -1, {2, 0}, {}, 0, S, S, S, S, S, 99},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : rows) {
@@ -190,6 +198,7 @@ TEST(DArc, table) {
                     : r.kind == 1 ? DArcStpStaEdp(kE, stp, r.a, q, c, &radius, &sa, &ea, &flag)
                     : r.kind == 2 ? DArcStpEdpIna(kE, stp, q, r.a, c, &radius, &sa, &ea, &flag)
                     : r.kind == 3 ? DArcStpInaRadDir(kE, stp, r.a, r.r, q[0], c, &sa, &ea, &flag)
+                    : r.kind == 5 ? DArcStpEdpDir(kE, stp, q, r.a, c, &radius, &sa, &ea, &flag)
                                   : DArcStpRadEdp(kE, stp, r.r, q, c, &sa, &ea);
     EXPECT_EQ(got, r.result);
     EXPECT_TRUE(near({c[0], c[1], radius, sa, ea}, {r.cx, r.cy, r.radius, r.sa, r.ea}, 1e-12));

@@ -13,6 +13,7 @@ const double kHalfRoot3 = std::sqrt(3.0) / 2;
 TEST(D2LInts, table) {
   // clang-format off
   const struct { const char* name; double l[8]; int result; double x, y; int flag; } rows[] = {
+      // clang-format off
       {"vertical_meets_horizontal", {0, 0, 1, 0, 2, -1, 2, 1}, 1, 2, 0, 2},
       {"horizontal_meets_vertical", {2, -1, 2, 1, 0, 0, 1, 0}, 1, 2, 0, 1},
       {"diagonals", {0, 0, 2, 2, 0, 2, 2, 0}, 1, 1, 1, 3},
@@ -24,6 +25,7 @@ TEST(D2LInts, table) {
       {"both_vertical", {0, 0, kE, 1, 3, 0, 3, 1}, 0, kUnwritten, kUnwritten, 0},
       {"slopes_within_eps", {0, 0, 1, 1, 0, 1, 1, 2 + kE / 2}, 0, kUnwritten, kUnwritten, 0},
       {"small_determinant", {0, 0, 1, 0, 0, 1, 2 * kE, 1 + kE / 2}, 0, kUnwritten, kUnwritten, 0},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : rows) {
@@ -41,6 +43,7 @@ TEST(DCirLInts_DArcLInts, table) {
   // sa > ea marks a full circle (DCirLInts)
   // clang-format off
   const struct { const char* name; double l[4], c[3], sa, ea; int result; double xa, ya, xb, yb; int flag; } rows[] = {
+      // clang-format off
       {"secant_through_the_centre", {-2, 0, 2, 0}, {0, 0, 1}, 1, 0, 2, -1, 0, 1, 0, 3},
       {"oblique_secant", {-3, -4, 7, 6}, {2, 1, std::sqrt(2.0)}, 1, 0, 2, 1, 0, 3, 2, 3},
       {"secant_backwards", {2, 0, -2, 0}, {0, 0, 1}, 1, 0, 2, 1, 0, -1, 0, 3},
@@ -56,7 +59,9 @@ TEST(DCirLInts_DArcLInts, table) {
       {"arc_keeps_the_second_in_the_first_slot", {-3, 0, 2, 0}, {0, 0, 1}, -kHalfPi, kHalfPi, 1, 1, 0, 1, 0, 1},
       {"arc_keeps_the_second_off_the_segment", {-3, 0, 0, 0}, {0, 0, 1}, -kHalfPi, kHalfPi, 1, 1, 0, 1, 0, 0},
       {"arc_misses_both", {-2, 0, 2, 0}, {0, 0, 1}, 1, 2, 0, -1, 0, 1, 0, 0},
+      {"arc_keeps_the_tangent_point", {-2, 1, 2, 1}, {0, 0, 1}, 0, kPi, 1, 0, 1, kUnwritten, kUnwritten, 1},
       {"arc_misses_the_tangent_point", {-2, 1, 2, 1}, {0, 0, 1}, kPi, 3 * kHalfPi, 0, 0, 1, kUnwritten, kUnwritten, 0},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : rows) {
@@ -78,6 +83,7 @@ TEST(D2CirInts_D2ArcInts, table) {
   // c1, c2: x, y, r, start, end; start > end marks full circles (D2CirInts)
   // clang-format off
   const struct { const char* name; double c1[5], c2[5]; int result; double xa, ya, xb, yb, tol; } rows[] = {
+      // clang-format off
       {"two_points_right_then_left", {0, 0, 1, 1}, {1, 0, 1, 1}, 2, 0.5, -kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
       {"touching_outside", {0, 0, 1, 1}, {2, 0, 1, 1}, 1, 1, 0, kUnwritten, kUnwritten, 1e-15},
       {"touching_inside", {0, 0, 2, 1}, {1, 0, 1, 1}, 1, 2, 0, kUnwritten, kUnwritten, 1e-15},
@@ -94,6 +100,7 @@ TEST(D2CirInts_D2ArcInts, table) {
       {"arcs_keep_the_second_in_the_first_slot", {0, 0, 1, 0, 2}, {1, 0, 1, 1, 5}, 1, 0.5, kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
       {"second_arc_rejects_both", {0, 0, 1, -2, 2}, {1, 0, 1, 5, 1}, 0, 0.5, -kHalfRoot3, 0.5, kHalfRoot3, 1e-15},
       {"touching_point_off_an_arc", {0, 0, 1, 1, 2}, {2, 0, 1, 1, 5}, 0, 1, 0, kUnwritten, kUnwritten, 1e-15},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : rows) {

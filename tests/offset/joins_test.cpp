@@ -104,6 +104,7 @@ TEST(CornerJoins, table) {
       {"aa_zero_first_bulge_is_line_arc", AA, 1e-9, 0.5, {-10, 0, 0, 0, 2, 0}, 0, 1, 1, 1 - kR2, -0.5, (11 - kR2) / 10, t11},
       {"aa_zero_second_bulge_is_arc_line", AA, 1e-9, -0.5, {2, 0, 0, 0, -10, 0}, -1, 0, 1, 1 - kR2, -0.5, 1 - t11, 1 - (11 - kR2) / 10},
       {"point_on_a_line", Point, 1e-9, 1, {0, 0, 10, 0}, 0, 0.3, 1, 3, -1, S, S},
+      {"point_on_a_short_line", Point, 1e-9, 0.1, {0, 0, 0.5, 0}, 0, 0.5, 1, 0.25, -0.1, S, S},
       {"point_on_a_counter_clockwise_arc", Point, 1e-9, 0.5, {0, 0, 2, 0}, 1, 0.5, 1, 1, -1.5, S, S},
       {"point_on_a_clockwise_arc", Point, 1e-9, 0.5, {0, 0, 2, 0}, -1, 0.5, 1, 1, 0.5, S, S},
       {"point_on_an_arc_across_the_axis", Point, 1e-9, 0.5, {0, -1, 0, 1}, 1, 0.5, 1, 1.5, 0, S, S},

@@ -11,6 +11,7 @@ using namespace tarnsysm::test;
 TEST(DPointOnLine_DPointOnArc, table) {
   // clang-format off
   const struct { const char* name; double px, py, x1, y1, x2, y2; int expected; } lines[] = {
+      // clang-format off
       {"exactly_eps_off_the_line", 3, 1 + kE, 1, 1, 5, 1, 1},
       {"two_eps_off_the_line", 3, 1 + 2 * kE, 1, 1, 5, 1, 0},
       {"beyond_the_end_by_eps", 5 + kE, 1, 1, 1, 5, 1, 1},
@@ -21,6 +22,7 @@ TEST(DPointOnLine_DPointOnArc, table) {
       {"oblique_off_by_a_hundredth", 2.51, 4, 1, 2, 4, 6, 0},
       {"short_segment_is_a_box", 1 + kE, 1 + kE, 1, 1, 1 + kE / 2, 1, 1},
       {"short_segment_box_edge", 1 + 2 * kE, 1, 1, 1, 1 + kE / 2, 1, 0},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : lines)
@@ -28,6 +30,7 @@ TEST(DPointOnLine_DPointOnArc, table) {
 
   // clang-format off
   const struct { const char* name; double px, py, r, sa, ea; int expected; } arcs[] = {
+      // clang-format off
       // centre (1, 2)
       {"top_of_upper_half", 1, 3, 1, 0, kPi, 1},
       {"radius_plus_half_eps", 1, 3 + kE / 2, 1, 0, kPi, 1},
@@ -38,6 +41,7 @@ TEST(DPointOnLine_DPointOnArc, table) {
       {"top_is_off_the_lower_half", 1, 3, 1, kPi, kTwoPi, 0},
       {"radius_exactly_eps", 1 + kE, 2, kE, 0, kPi, 1},
       {"radius_below_eps", 1 + kE / 2, 2, kE / 2, 0, kPi, 0},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : arcs)
@@ -48,6 +52,7 @@ TEST(DPointVerL_DPonLdisP_DPnearLine, table) {
   // fn: 0 DPointVerL, 1 DPonLdisP (px is the distance), 2 DPnearLine
   // clang-format off
   const struct { const char* name; int fn; double px, py, x1, y1, x2, y2; int result; double x, y; } rows[] = {
+      // clang-format off
       {"foot_exactly_at_p2", 0, 4.8, 4.4, 1, 1, 4, 5, 1, 4, 5},
       {"foot_beyond_p2_by_eps", 0, 4 + kE, 3, 0, 0, 4, 0, 1, 4 + kE, 0},
       {"foot_beyond_p2_by_two_eps", 0, 4 + 2 * kE, 3, 0, 0, 4, 0, 2, 4 + 2 * kE, 0},
@@ -64,6 +69,7 @@ TEST(DPointVerL_DPonLdisP_DPnearLine, table) {
       {"nearest_at_one_less_half_eps_snaps", 2, 5 - 2 * kE, 3, 1, 1, 5, 1, 1, 5, 1},
       {"nearest_oblique", 2, 0, 5, 1, 1, 4, 5, 1, 2.56, 3.08},
       {"nearest_to_a_degenerate_line", 2, 0, 0, 1, 1, 1, 1, 0, kUnwritten, kUnwritten},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : rows) {
@@ -81,6 +87,7 @@ TEST(DPnearArc_DPonAperK, table) {
   // fn: 0 DPnearArc of (px, py); 1 DPonAperK at fraction px
   // clang-format off
   const struct { const char* name; int fn; double px, py, r, sa, ea; int result; double x, y; } rows[] = {
+      // clang-format off
       // centre (1, 2)
       {"past_the_start_nearer_start", 0, 1.1, 1, 1, 0, kPi, 1, 2, 2},
       {"past_the_end_nearer_end", 0, 0.9, 1, 1, 0, kPi, 1, 0, 2},
@@ -95,6 +102,7 @@ TEST(DPnearArc_DPonAperK, table) {
       {"start_turns_away", 1, 0, 0, 2, kHalfPi + 6 * kTwoPi, 7 * kTwoPi, 1, 1, 4},
       {"fraction_above_one_by_an_ulp", 1, std::nextafter(1.0, 2.0), 0, 2, 0, 1, 0, kUnwritten, kUnwritten},
       {"fraction_below_zero", 1, -1e-300, 0, 2, 0, 1, 0, kUnwritten, kUnwritten},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : rows) {
@@ -111,14 +119,17 @@ TEST(DPonPLperV, table) {
   // The segment runs from (0, 0) to (x2, 0)
   // clang-format off
   const struct { const char* name; double k, x2, bulge; int result; double x, y, dir; } rows[] = {
+      // clang-format off
       {"straight_fraction", 0.25, 4, 0, 1, 1, 0, 0},
       {"half_circle_counter_clockwise_runs_below", 0.5, 2, 1, 1, 1, -1, 0},
       {"half_circle_clockwise_runs_above", 0.5, 2, -1, 1, 1, 1, 0},
       {"quarter_circle_end", 1, 2, std::tan(kPi / 8), 1, 2, 0, kPi / 4},
       {"fraction_one_and_eps", 1 + kE, 2, 0, 1, 2 + 2 * kE, 0, 0},
+      {"fraction_minus_eps", -kE, 2, 0, 1, -2 * kE, 0, 0},
       {"fraction_one_and_two_eps", 1 + 2 * kE, 2, 0, 0, kUnwritten, kUnwritten, kUnwritten},
       {"fraction_below_minus_eps", -2 * kE, 2, 0, 0, kUnwritten, kUnwritten, kUnwritten},
       {"chord_below_eps", 0.5, kE / 2, 1, 0, kUnwritten, kUnwritten, kUnwritten},
+      // clang-format on
   };
   // clang-format on
   for (const auto& r : rows) {
