@@ -12,8 +12,9 @@
 /// of the counter-clockwise sweep that covers it, with ea >= sa - eps (ea may exceed 2 pi). For a
 /// clockwise bulge the angles are swapped (sa belongs to the end vertex): keep the bulge's sign to
 /// know the direction. Returns 1; a chord shorter than eps or a bulge whose half-angle sine is
-/// within eps of 0 returns 0 and writes cx = x1, cy = y1, r = sa = ea = 0 (treat it as straight);
-/// so does input whose circle is not finite (not a number, or overflowing).
+/// within eps of 0 (or exactly 0, whatever eps is) returns 0 and writes cx = x1, cy = y1,
+/// r = sa = ea = 0 (treat it as straight); so does input whose circle is not finite (not a
+/// number, or overflowing).
 TARNSYSM_API int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double bulge,
                              double* cx, double* cy, double* r, double* sa, double* ea);
 

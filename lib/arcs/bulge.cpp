@@ -38,8 +38,8 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
     theta = kTwoPi - theta;
   }
   const double h = std::sin(theta / 2.0);
-  // A zero bulge, or a chord that is a full turn.
-  if (withinOpen(h, eps) || std::isnan(h))
+  // A zero bulge, or a chord that is a full turn; exactly 0 is straight whatever eps is.
+  if (h == 0.0 || withinOpen(h, eps) || std::isnan(h))
     return degenerate();
   const double radius = (0.5 / h) * chord;
 
