@@ -151,6 +151,41 @@ MATCH_SEEDS = {
 }
 
 
+def circles_seed(call, values, n=0, tolerance=0):
+    return bytes([call | tolerance << 2, (n + 2) % 67]) + b"".join(value(v) for v in values)
+
+
+def arc_points(cx, cy, r, a0, sweep, n):
+    pts = []
+    for i in range(n):
+        a = a0 + sweep * i / (n - 1)
+        pts += [cx + r * math.cos(a), cy + r * math.sin(a)]
+    return pts
+
+
+NP, CCC, LLL = 0, 1, 2
+CIRCLES_SEEDS = {
+    "np_quarter_arc": circles_seed(NP, arc_points(3, -2, 10, 0.3, math.pi / 2, 12), n=12),
+    "np_full_circle_far": circles_seed(NP, arc_points(1e6, -1e6, 5, 0, 6, 16), n=16),
+    "np_collinear": circles_seed(NP, [0, 0, 1, 1, 2, 2, 3, 3], n=4),
+    "np_coincident": circles_seed(NP, [5, 5, 5, 5, 5, 5], n=3),
+    "np_two_points": circles_seed(NP, [0, 0, 1, 0], n=2),
+    "np_negative_count": circles_seed(NP, [], n=-2),
+    "np_nan_point": circles_seed(NP, [0, 0, 1, 0, "nan", 1], n=3),
+    "np_huge_points": circles_seed(NP, ["1e300", 0, "-1e300", 0, 0, "1e300"], n=3),
+    "ccc_apart": circles_seed(CCC, [-2, 0, 1, 0, 0, 10, 1, 2, 8, 0, 5, 9, 1.5, 5, 8]),
+    "ccc_overlapping": circles_seed(CCC, [-2, 0, 2, 0, 0, 4, 0, 2, 2, 0, 1, 3, 2, 1, 2]),
+    "ccc_concentric": circles_seed(CCC, [1, 0, 1, 0, 0, 2, 0, 2, 0, 0, 3, 0, 3, 0, 0]),
+    "ccc_equal_collinear": circles_seed(CCC, [0, 1, 1, 0, 0, 4, 1, 1, 4, 0, 8, 1, 1, 8, 0]),
+    "ccc_nan_radius": circles_seed(CCC, [0, 1, "nan", 0, 0, 4, 1, 1, 4, 0, 8, 1, 1, 8, 0]),
+    "lll_triangle": circles_seed(LLL, [1, 0, 0, 0, 4, 0, 4, 1, 4, 0, 0, 3, 1, 2, 0, 3, 0, 0]),
+    "lll_two_parallel": circles_seed(LLL, [1, 0, 0, 0, 4, 0, 1, 2, 0, 2, 4, 2, 0, 1, 0, 0, 0, 3]),
+    "lll_all_parallel": circles_seed(LLL, [1, 0, 0, 0, 4, 0, 1, 2, 0, 2, 4, 2, 1, 5, 0, 5, 4, 5]),
+    "lll_huge_line": circles_seed(LLL, [1, 0, 0, 0, "1e300", 0, 4, 1, 4, 0, 0, 3, 1, 2, 0, 3, 0,
+                                        0]),
+}
+
+
 def write(target, seeds):
     here = os.path.dirname(os.path.abspath(__file__))
     directory = os.path.join(here, "corpus", target)
@@ -165,6 +200,7 @@ def main():
     write("rect_clip", CLIP_SEEDS)
     write("dntos", DNTOS_SEEDS)
     write("match", MATCH_SEEDS)
+    write("circles", CIRCLES_SEEDS)
 
 
 if __name__ == "__main__":
