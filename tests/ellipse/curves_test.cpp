@@ -103,6 +103,15 @@ TEST(EllipseArcIntersections, status_codes_special_points_and_coincidence) {
   for (int k = 0, n = SkCircleEllipseAided(&c, &e, pts); k < n; ++k)
     atLeft += dist(pts[k], left) < 1e-6;
   EXPECT_EQ(atLeft, 1);
+  // So is the point of parameter pi of an ellipse turned by 0.5, lying on a unit circle.
+  double far[3] = {-2 * std::cos(0.5), -2 * std::sin(0.5), 0};
+  const TSellipse turned = ellipse(0, 0, 2, 1, 0.5), unit = ellipse(far[0] - 1, far[1], 1, 1, 0);
+  atLeft = 0;
+  for (int k = 0, n = SkEllipseEllipseAided(&turned, &unit, pts); k < n; ++k)
+    atLeft += dist(pts[k], far) < 1e-6;
+  EXPECT_EQ(atLeft, 1);
+  const TSline dot = segment(1, 0, 1, 0);  // no direction, no crossing
+  EXPECT_EQ(SkLineEllipseAided(&dot, &e, pts), 0);
   // Two equal ellipses coincide: -1 and no rows; the arc filter then keeps nothing.
   pts[0][0] = kSentinel;
   EXPECT_TRUE(SkEllipseEllipseAided(&f, &f, pts) == -1 && pts[0][0] == kSentinel);
@@ -170,8 +179,9 @@ TEST(EllipseNormals, nearest_points_feet_tangents_and_normal_offsets) {
   EXPECT_GT(inside, 100);
   // On the curve: 0 and p itself, even off the arc; the centre takes the lower second-axis end.
   const TSellipse upper = ellipse(0, 0, 3, 1, 0, 0, kPi);
-  double below[3] = {0, -1, 5}, centre[3] = {0, 0, 0}, out[3];
-  EXPECT_TRUE(DPnearEllipseArc(upper, below, out) == 0.0 && out[1] == -1.0 && out[2] == 0.0);
+  double below[3] = {3 * std::cos(1.0), -std::sin(1.0), 5}, centre[3] = {0, 0, 0}, out[3];
+  EXPECT_TRUE(DPnearEllipseArc(upper, below, out) == 0.0 && out[0] == below[0] &&
+              out[1] == below[1] && out[2] == 0.0);
   EXPECT_EQ(DPnearEllipseArc(upper, centre, out), 1.0);
   EXPECT_NEAR(out[1], -1.0, 1e-15);
 }

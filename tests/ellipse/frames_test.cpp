@@ -97,14 +97,24 @@ TEST(EllipseFrame, round_trips_tangent_points_and_built_arcs) {
   TSellipse whole;
   ASSERT_EQ(CalEllipseArc(1e-9, c, 2, 1, 0, q, q, &whole), 1);
   EXPECT_EQ(whole.end - whole.start, kTwoPi);
+  EXPECT_EQ(CalEllipseArc(0.5, c, 0.5, 1, 0, q, q, &whole), 1);  // a semi-axis of eps is kept
 }
 
 TEST(EllipseFrame, membership_signed_distance_and_stretches) {
   const TSellipse e = ellipse(1, 2, 3, 1, 0.0);
   double centre[3] = {1, 2, 0}, onCurve[3] = {4, 2, 0}, up[3] = {0, 1, 0}, down[3] = {0, -1, 0};
   EXPECT_TRUE(PointInEllipse(e, centre) == 1 && PointInEllipse(e, onCurve) == -1);
-  EXPECT_EQ(PointInArcEndPoint(kTwoPi - 5e-6, 10, 0, 1), 1);  // a turn below the start
-  EXPECT_EQ(PointInArcEndPoint(1 + 1.1e-5, 10, 0, 1), 0);
+  // Ends within 1e-4 / r of t: each of t - s, t - e, and a turn either way of each.
+  const double ends[][4] = {{5e-6, 0, 1, 1},
+                            {1 + 5e-6, 0, 1, 1},
+                            {1 + 1.1e-5, 0, 1, 0},
+                            {kTwoPi - 5e-6, 0, 1, 1},
+                            {1 + kTwoPi + 5e-6, 0, 1, 1},
+                            {0.5, 0.5 + kTwoPi, 1.5 + kTwoPi, 1},
+                            {0.5, 0.2 + kTwoPi, 0.5 + kTwoPi, 1}};
+  for (const auto& r : ends)
+    EXPECT_EQ(PointInArcEndPoint(r[0], 10, r[1], r[2]), r[3]) << r[0] << " " << r[1];
+  EXPECT_EQ(PointInArc(0.5 - 1e-4, 1, 0.5, 1.0), 1);  // exactly the tolerance below the start
   EXPECT_TRUE(PointInArc(0.1, 1, 5.0, kTwoPi + 1.0) == 1 && PointInArc(4, 1, 5, kTwoPi + 1) == 0);
   EXPECT_EQ(DistPointToLine(1e-9, up, segment(0, 0, 1, 0)), 1.0);
   EXPECT_EQ(DistPointToLine(1e-9, down, segment(0, 0, 1, 0)), -1.0);
@@ -135,8 +145,10 @@ TEST(EllipseFrame, membership_signed_distance_and_stretches) {
     for (int k = 0; k < 8; ++k)
       EXPECT_NEAR((&out.center[0])[k], want[k], 1e-12) << code << " field " << k;
   }
-  TSellipse out = arc;
+  TSellipse out = arc, flat = ellipse(0, 0, 4, 2, 0, 0.5, 2.5);
   EXPECT_EQ(CalStretchEllipseArc(1e-9, arc, far, far, &out), 0);
+  double axisEnd[3] = {4, 0, 0}, thin[3] = {0.5, 3, 0};  // a new first semi-axis of exactly eps
+  EXPECT_EQ(CalStretchEllipseArc(0.5, flat, axisEnd, thin, &out), 4);
 }
 
 }  // namespace
