@@ -8,6 +8,7 @@
 // numbers); t >= 0xC0 takes the next 8 bytes as a raw double. Missing bytes read as 0.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -124,6 +125,31 @@ class ByteReader {
 inline void require(bool ok, const char* what) {
   if (!ok)
     fail(what);
+}
+
+// Every call must return within a second in an optimised build; AddressSanitizer and
+// unoptimised code slow the library down about tenfold and threefold, so the limit grows with
+// them and the property stays about the library, not the instrumentation.
+#if defined(TARNSYSM_FUZZ_ASAN)
+inline constexpr int kSanitizerSlowdown = 10;
+#else
+inline constexpr int kSanitizerSlowdown = 1;
+#endif
+#if defined(NDEBUG)
+inline constexpr int kDebugSlowdown = 1;
+#else
+inline constexpr int kDebugSlowdown = 3;
+#endif
+inline constexpr auto kCallLimit = std::chrono::seconds(1) * kSanitizerSlowdown * kDebugSlowdown;
+
+/// call(), failing when it takes longer than kCallLimit.
+template <typename Call>
+auto timedCall(Call call) {
+  const auto start = std::chrono::steady_clock::now();
+  const auto result = call();
+  if (std::chrono::steady_clock::now() - start > kCallLimit)
+    fail("a call took longer than one second (scaled for the build)");
+  return result;
 }
 
 /// A caller's buffer of exactly `bytes` bytes followed by guard bytes that no call may touch:

@@ -1,9 +1,14 @@
 #!/usr/bin/env bash
 # Tarnsysm: installs what building, testing and benchmarking need on a fresh Debian machine.
 # Packages already present are left alone; when not run as root it asks sudo for the install.
+# With --windows it installs the MinGW-w64 cross compilers and wine instead.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang clang-format binutils pkg-config
-  libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev)
+  libgtest-dev libbenchmark-dev libdxflib-dev libcli11-dev doxygen
+  pybind11-dev python3-dev python3-numpy python3-pytest python3-ezdxf)
+if [ "${1:-}" = --windows ]; then
+  packages=(g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix wine64 binutils-mingw-w64-i686)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

@@ -18,36 +18,41 @@
 template <int N>
 class Matrix {
  public:
-  double m[N][N];
+  double m[N][N];  ///< the elements, m[row][column]
 
   /// The zero matrix.
   Matrix() { SetZero(); }
-  Matrix(Matrix const&) = default;
-  Matrix& operator=(Matrix const&) = default;
+  Matrix(Matrix const&) = default;             ///< Copies every element.
+  Matrix& operator=(Matrix const&) = default;  ///< Copies every element.
 
+  /// Sets every element to 0.
   void SetZero() {
     for (auto& row : m)
       for (double& v : row)
         v = 0.0;
   }
+  /// The identity: 1 on the diagonal, 0 elsewhere.
   void SetIdentity() {
     SetZero();
     for (int i = 0; i < N; ++i)
       m[i][i] = 1.0;
   }
 
+  /// Adds b element by element.
   Matrix& operator+=(Matrix const& b) {
     for (int i = 0; i < N; ++i)
       for (int j = 0; j < N; ++j)
         m[i][j] += b.m[i][j];
     return *this;
   }
+  /// Subtracts b element by element.
   Matrix& operator-=(Matrix const& b) {
     for (int i = 0; i < N; ++i)
       for (int j = 0; j < N; ++j)
         m[i][j] -= b.m[i][j];
     return *this;
   }
+  /// Multiplies every element by s.
   Matrix& operator*=(double s) {
     for (auto& row : m)
       for (double& v : row)
@@ -62,14 +67,19 @@ class Matrix {
           v /= s;
     return *this;
   }
+  /// Replaces the matrix by the product this * b.
   Matrix& operator*=(Matrix const& b) {
     *this = *this * b;
     return *this;
   }
 
+  /// The element-wise sum.
   Matrix operator+(Matrix const& b) const { return Matrix(*this) += b; }
+  /// The element-wise difference.
   Matrix operator-(Matrix const& b) const { return Matrix(*this) -= b; }
+  /// Every element times s.
   Matrix operator*(double s) const { return Matrix(*this) *= s; }
+  /// Every element divided by s, with the divisor guard of operator/=.
   Matrix operator/(double s) const { return Matrix(*this) /= s; }
   /// The product, each element summed over k ascending from 0.0.
   Matrix operator*(Matrix const& b) const {
@@ -131,10 +141,13 @@ class Matrix {
 /// default-constructed Matrix3 is the zero matrix, not the identity: call a setter first.
 class Matrix3 : public Matrix<3> {
  public:
+  /// The zero matrix.
   TARNSYSM_API Matrix3();
+  /// Copies every element.
   TARNSYSM_API Matrix3(Matrix3 const& other);
   /// Turns the result of Matrix<3> arithmetic back into a Matrix3.
   TARNSYSM_API Matrix3(Matrix<3> const& other);  // NOLINT: implicit on purpose
+  /// Copies every element.
   TARNSYSM_API Matrix3& operator=(Matrix3 const& other);
   /// Identity with the translation (dx, dy).
   TARNSYSM_API void SetShift(double dx, double dy);
@@ -157,36 +170,36 @@ TARNSYSM_API void TransPoint(Matrix3& m, double* const p);
 /// the frame point (a cos t, b sin t)), not polar angles; the arc runs counter-clockwise in t
 /// from start to end.
 struct TSellipse {
-  double center[3];
-  double a;
-  double b;
-  double rotation;
-  double start;
-  double end;
+  double center[3];  ///< centre x, y, z (z carried, never used)
+  double a;          ///< semi-axis along the first axis
+  double b;          ///< semi-axis along the second axis
+  double rotation;   ///< angle of the first axis from +x
+  double start;      ///< start parameter
+  double end;        ///< end parameter
 };
 
 /// A line through two points, directed from start to end. byte 0: four doubles the ellipse
 /// routines neither read nor write; 32: start x, y, z; 56: end x, y, z.
 struct TSline {
-  double user[4];
-  double start[3];
-  double end[3];
+  double user[4];   ///< the caller's, neither read nor written
+  double start[3];  ///< start point x, y, z
+  double end[3];    ///< end point x, y, z
 };
 
 /// A circular arc. byte 0: four doubles not read; 32: center x, y, z; 56: radius; 64: start and
 /// 72: end polar angles about the centre (counter-clockwise from start to end).
 struct TSarc {
-  double user[4];
-  double center[3];
-  double radius;
-  double start;
-  double end;
+  double user[4];    ///< the caller's, not read
+  double center[3];  ///< centre x, y, z
+  double radius;     ///< radius
+  double start;      ///< start polar angle
+  double end;        ///< end polar angle
 };
 
 /// An intersection point (z always written 0.0) and its status code (see SkLineEllipsearc).
 struct TSinterpoint {
-  double point[3];
-  std::int32_t status;
+  double point[3];      ///< x, y, z (z = 0.0)
+  std::int32_t status;  ///< the status code of the point
 };
 
 static_assert(sizeof(Matrix3) == 72, "Matrix3 is nine doubles");

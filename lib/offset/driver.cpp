@@ -283,6 +283,38 @@ double solverLimit(double eps, double step, const Element& p, const Element& c, 
   return found ? out : step;
 }
 
+// The step limit of a closed polyline of two rows with an arc: the two segments share both rows,
+// and the step ends where their moved elements stop meeting, since no corner can be joined past
+// that. Two circles moved by x, signed radii r1 + x and r2 + x, centres D apart, meet while
+// |r1 + r2 + 2x| and |r1 - r2| lie on either side of D: they part at
+//   x = (+-D - r1 - r2) / 2.
+// A line (signed distance x) and a circle part where the centre's distance from the moved line,
+// h - x with h its distance from the line itself, equals r + x: x = (h - r) / 2. The roots are
+// filtered like the event solvers' roots.
+double twoRowLimit(double eps, double step, double (*const v)[5]) {
+  const Element first = elementOf(eps, v[0], v[1]);
+  const Element second = elementOf(eps, v[1], v[0]);
+  if (!first.valid || !second.valid || (!first.isArc && !second.isArc))
+    return step;
+  double roots[2];
+  int count = 0;
+  if (first.isArc && second.isArc) {
+    const double apart = std::sqrt(square(first.cx - second.cx) + square(first.cy - second.cy));
+    roots[count++] = (apart - first.r - second.r) / 2.0;
+    roots[count++] = (-apart - first.r - second.r) / 2.0;
+  } else {
+    const Element& line = first.isArc ? second : first;
+    const Element& circle = first.isArc ? first : second;
+    roots[count++] = (line.a * circle.cx + line.b * circle.cy + line.c - circle.r) / 2.0;
+  }
+  double limit = step;
+  for (int k = 0; k < count; ++k) {
+    if (step * roots[k] >= eps && std::fabs(roots[k]) < std::fabs(limit) - eps)
+      limit = roots[k];
+  }
+  return limit;
+}
+
 // The step limit of `cur` between `prev` and `next` (null: the open end of an open polyline).
 double limitStep(double eps, double step, const Element* prev, const Element& cur,
                  const Element* next) {
@@ -524,7 +556,7 @@ double OffsetStepLimit(double eps, double step, int i, int closed, int n, double
   if (n < 2)
     return 0.0;
   if (n == 2)
-    return step;
+    return closed ? twoRowLimit(eps, step, v) : step;
   const int segments = closed ? n : n - 1;
   if (i < 0 || i >= segments)
     return step;
@@ -723,7 +755,7 @@ double limitStepOverAll(double eps, double step, int closed, int n, double (*con
   if (n < 2)
     return 0.0;
   if (n == 2)
-    return step;
+    return closed ? twoRowLimit(eps, step, v) : step;
   const int segments = closed ? n : n - 1;
   const auto element = [&](int s) {
     return elementOf(eps, v[s], v[(s + 1) % n], arcs ? &arcs[s] : nullptr);
@@ -790,6 +822,17 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
   double remaining = through ? s : (s >= 0.0 ? std::fabs(dist) : -std::fabs(dist));
   if (!std::isfinite(remaining))
     return 0;
+  // The polyline as trimmed, which the result is checked against before it is returned.
+  const double total = remaining;
+  const int sourceClosed = *closed;
+  const int sourceRows = n;
+  std::unique_ptr<double[][5]> source;
+  try {
+    source.reset(new double[static_cast<size_t>(n)][5]);
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
+  std::memcpy(source[0], v[0], sizeof(double[5]) * static_cast<size_t>(n));
   // Room for the arcs of every row the caller provides, taken at the first step that wants it.
   // Without it each arc is worked out where it is needed, with the same results.
   std::unique_ptr<BulgeArc[]> arcs;
@@ -799,7 +842,16 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
     if (std::fabs(remaining) <= eps) {
       if (*closed && isDoubledLine(eps, n, v))
         *closed = 0;
-      return n;
+      // The offset cannot be made with sharp corners where the result comes nearer the
+      // polyline than the distance, never reaches it, or runs the other way round.
+      try {
+        return keepsOffsetDistance(eps, sourceClosed, sourceRows, source.get(), *closed, n, v,
+                                   total)
+                   ? n
+                   : 0;
+      } catch (const std::bad_alloc&) {
+        return 0;
+      }
     }
     if (steps >= maxSteps)
       return 0;
@@ -819,6 +871,7 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
       }
     }
     const double step = limitStepOverAll(eps, remaining, *closed, n, v, table);
+    const double sourceArea = *closed ? closedArea(eps, n, v) : 0.0;
     remaining = remaining - step;
     // A two-row polyline must be offset in a single step.
     if (n < 3 && std::fabs(remaining) >= eps)
@@ -826,7 +879,7 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
     const int built = buildOffsetPLineWithin(eps, step, *closed, n, v, capacity, table);
     if (built < 0)
       return 0;
-    n = TrimLoopS(eps, pick, closed, built, v);
+    n = trimStepLoops(eps, pick, closed, built, v, sourceArea);
     if (n < 2)
       return 0;
     // A closed polyline of two straight segments has no inside left to offset into.

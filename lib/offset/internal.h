@@ -4,7 +4,10 @@
 #pragma once
 
 #include "arcs/arcs.h"
+#include "offset/segment_index.h"
 #include "primitives/internal.h"
+
+#include <memory>
 
 namespace tarnsysm::detail {
 
@@ -95,8 +98,10 @@ namespace tarnsysm::detail {
 
 /// The part of the signed `step` that segment i (row i to row i+1, or to row 0 for the closing
 /// segment) can take before it shrinks to a point or, for an arc moving towards its centre,
-/// before its radius reaches 0. Returns step when nothing limits it, 0.0 for n < 2 and step for
-/// n = 2 or an index without a segment. See driver.cpp for the side signs.
+/// before its radius reaches 0. A closed polyline of two rows with an arc is limited where its
+/// two moved segments stop meeting (either segment). Returns step when nothing limits it, 0.0
+/// for n < 2, and step for an open or straight n = 2 or an index without a segment. See
+/// driver.cpp for the side signs.
 double OffsetStepLimit(double eps, double step, int i, int closed, int n, double (*const v)[5]);
 
 /// Writes the polyline moved by `step` into rows 0 .. of v and returns the new row count; reads
@@ -130,6 +135,24 @@ struct TrimMeasure {
 int trimLoopsAndMeasure(double eps, double* const pick, int* closed, int n, double (*const v)[5],
                         TrimMeasure* measure);
 
+/// TrimLoopS for the rows of one offset step: a closed loop (a loop cut out, or what remains of
+/// a closed polyline) whose signed area has the opposite sign of `sourceArea`, the area of the
+/// polyline the step started from, is never kept; when nothing else is left it returns 0. A
+/// sourceArea of 0 keeps every loop, as TrimLoopS does.
+int trimStepLoops(double eps, double* const pick, int* closed, int n, double (*const v)[5],
+                  double sourceArea);
+
+/// Signed area enclosed by rows 0 .. n-1 taken as closed, positive when clockwise: the sum of
+/// LineArea over every segment, the closing one included, so a closed pair of rows counts too.
+double closedArea(double eps, int n, const double (*v)[5]);
+
+/// The last check of PLineOffset: whether the polyline v (n rows) keeps the offset distance from
+/// the polyline it was made from (ns rows of source): no point of it nearer the source than
+/// |distance| - eps, some point within |distance| + eps, and, both being closed, enclosing an
+/// area of the same sign. False for fewer than 2 rows in either. Throws std::bad_alloc.
+bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*source)[5],
+                         int closed, int n, const double (*v)[5], double distance);
+
 }  // namespace tarnsysm::detail
 
 // ---- Corner joins with the arcs already worked out (joins.cpp) ---------------------------------
@@ -160,5 +183,152 @@ int aaOffsetWithArcs(double eps, double d, double x2, double y2, double bulge1, 
 /// (-eps, eps) and a chord of eps or more).
 int offsetPointWithArc(double eps, double d, double t, double x1, double y1, double x2, double y2,
                        double bulge, const BulgeArc& arc, double* ox, double* oy);
+
+}  // namespace tarnsysm::detail
+
+// ---- Segments of the loop scan and the distances (trim_segments.cpp) ---------------------------
+
+namespace tarnsysm::detail {
+
+// A segment from one row to the next, with its circle when it is an arc (a bulge outside
+// (-eps, eps) that PL_ArcParam accepts; any other segment is straight).
+struct Segment {
+  double x1, y1, x2, y2, bulge;
+  bool isArc;
+  double cx, cy, r, sa, ea;
+};
+
+Segment segmentOf(double eps, double x1, double y1, double bulge, double x2, double y2);
+
+Segment segmentOf(double eps, const double* from, const double* to);
+
+// A segment's shape worked out without trigonometry, from its chord and bulge: enough to bound
+// it and to rule a pair out, never to decide a crossing. An arc's centre lies off the chord's
+// midpoint by (L/2)(1 - b^2)/(2b) along the chord's left normal, its radius is L(1 + b^2)/(4|b|),
+// and it lies wholly on one side of its chord (the right for a positive bulge). Near the limits
+// where PL_ArcParam gives up (a chord of eps, |sin(angle/2)| = 2|b|/(1 + b^2) of eps) the kind is
+// left unsure and PL_ArcParam decides.
+struct RoughSegment {
+  enum Kind { straight, arc, unsure };
+  double x1, y1, x2, y2, bulge;
+  Kind kind;
+  double cx, cy, r;
+  double chord;
+};
+
+RoughSegment roughOf(double eps, const double* from, const double* to);
+
+// Side of (x, y) from the segment's chord line, positive on the side an arc with this bulge lies
+// on (the right of travel for a positive bulge), as a distance times the chord's length.
+double sideOfChordScaled(const RoughSegment& s, double x, double y);
+
+// A box holding the rough segment and everything its intersection tests can accept: the ends,
+// the arc's extreme points that lie on its side of the chord, and margins for eps (as a length,
+// and as a parameter and an angle: eps L, eps R) and for round-off.
+SegmentBox roughBoxOf(double eps, const RoughSegment& s);
+
+// Angle of (x, y) seen from an arc's centre, brought into the arc's range with tolerance eps;
+// a point outside it takes the turn centred on the arc (never one a whole turn away).
+double angleOnArc(double eps, const Segment& s, double x, double y);
+
+// Parameter of X along a segment: the projection for a line, the sweep fraction from the
+// arc's start in its direction of travel for an arc.
+double parameterAlong(double eps, const Segment& s, double x, double y);
+
+// Bulges of the two pieces of a segment cut at X: head from its start to X, tail from X to its
+// end, each sign(bulge)*tan(sweep/4) of its own sweep; 0 for a straight segment.
+void splitBulges(double eps, const Segment& s, double x, double y, double* head, double* tail);
+
+// Does the straight segment from (kx, ky) to (px, py) cross segment s?
+bool sightCrosses(double eps, double kx, double ky, double px, double py, const Segment& s);
+
+// Segment s touches row k: it starts or ends there (the closing segment ends at row 0).
+bool touchesRow(int s, int k, int n);
+
+// The circles of a polyline's arc segments, each worked out once (PL_ArcParam is the costly part
+// of a segment); ends and bulge are read from the rows each time.
+class SegmentCache {
+ public:
+  explicit SegmentCache(int n)
+      : arcs_(new Arc[n > 0 ? n : 1]), state_(new unsigned char[n > 0 ? n : 1]()) {}
+
+  Segment get(double eps, int id, const double* from, const double* to) {
+    Segment s{from[0], from[1], to[0], to[1], from[2], false, 0.0, 0.0, 0.0, 0.0, 0.0};
+    unsigned char& state = state_[id];
+    if (state == kUnknown) {
+      Arc& a = arcs_[id];
+      state = !withinOpen(s.bulge, eps) && PL_ArcParam(eps, s.x1, s.y1, s.x2, s.y2, s.bulge, &a.cx,
+                                                       &a.cy, &a.r, &a.sa, &a.ea)
+                  ? kArc
+                  : kStraight;
+    }
+    if (state == kArc) {
+      const Arc& a = arcs_[id];
+      s.isArc = true;
+      s.cx = a.cx;
+      s.cy = a.cy;
+      s.r = a.r;
+      s.sa = a.sa;
+      s.ea = a.ea;
+    }
+    return s;
+  }
+
+  // The rows of segment id changed.
+  void forget(int id) { state_[id] = kUnknown; }
+
+  bool known(int id) const { return state_[id] != kUnknown; }
+
+  // Takes segment id as worked out from the same rows elsewhere.
+  void adopt(int id, const Segment& s) {
+    state_[id] = s.isArc ? kArc : kStraight;
+    arcs_[id] = {s.cx, s.cy, s.r, s.sa, s.ea};
+  }
+
+ private:
+  struct Arc {
+    double cx, cy, r, sa, ea;
+  };
+  static constexpr unsigned char kUnknown = 0, kStraight = 1, kArc = 2;
+  std::unique_ptr<Arc[]> arcs_;
+  std::unique_ptr<unsigned char[]> state_;
+};
+
+}  // namespace tarnsysm::detail
+
+// ---- Distances of the loop scan (distance.cpp) -------------------------------------------------
+
+namespace tarnsysm::detail {
+
+class DistanceRuns;
+
+/// A polyline's PLineDist from a point, worked out only as far as the comparisons of the loop
+/// scan need it: whether it is below some bound, and its value only when asked.
+class LazyDistance {
+ public:
+  LazyDistance(double eps, int closed, int n, double (*const v)[5], double* const p);
+  ~LazyDistance();
+
+  /// Takes segment s as already worked out from the same rows elsewhere.
+  void adopt(int s, const Segment& segment);
+
+  /// PLineDist succeeds with |s| < bound.
+  bool below(double bound);
+
+  /// s itself, for a distance known to succeed.
+  double value();
+
+  /// |s|, for a distance known to succeed.
+  double magnitude();
+
+ private:
+  bool single_ = false;
+  bool singleOk_ = false;
+  bool known_ = false;
+  bool ok_ = false;
+  double value_ = 0.0;
+  int count_ = 0;
+  std::unique_ptr<DistanceRuns> runs_;
+};
 
 }  // namespace tarnsysm::detail

@@ -115,7 +115,18 @@ TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1
 /// to the right of travel); with `through` non-zero the offset passes through the point and dist
 /// is ignored, otherwise it moves |dist|. The offset advances in steps, none longer than the
 /// distance at which a segment would shrink to a point or an arc to its centre, and trims after
-/// each step.
+/// each step. A closed polyline of two rows with an arc steps only as far as its two moved
+/// segments still meet (moved circles tangent, or the moved line tangent to the moved circle);
+/// distance left after that step means it has collapsed. The trimming of a step (unlike
+/// TrimLoopS called on its own) never keeps a closed loop whose signed area has the opposite
+/// sign of the polyline the step started from: such a loop is a piece turned inside out, not a
+/// part of the offset.
+///
+/// Before it returns, the result is checked against the polyline as trimmed on entry, with exact
+/// line and arc distances: it must come no nearer to it than |distance| - eps anywhere, reach
+/// |distance| + eps somewhere, and, both being closed, run the same way round (signed areas of
+/// the same sign). Where it does not, the offset cannot be made with sharp corners, and the
+/// result is 0.
 ///
 /// Room: v must hold 2n rows. Each step writes the moved rows from row 0 up while reading a copy
 /// of the current rows kept at the top of those 2n rows; rows beyond the result are scratch.
@@ -125,7 +136,9 @@ TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1
 /// Returns the row count of the result (2 or more), or 0 when the offset cannot be made: the
 /// picked point lies on the polyline (within eps) or its distance cannot be measured, the
 /// polyline collapses, a two-row polyline would need more than one step, a step would not fit,
-/// the distance is not finite, or more than 4n + 256 steps would be needed. On 0 the rows are
+/// the distance is not finite, more than 4n + 256 steps would be needed, the final check fails
+/// (the offset cannot be made with sharp corners), or memory for the copy that the check reads
+/// runs out. On 0 the rows are
 /// left as the last step left them: keep a copy. A non-zero *closed is set to 1; trimming may
 /// set it to 1 when a loop is kept, and a closed result of two straight rows is returned open.
 TARNSYSM_API int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
@@ -165,14 +178,17 @@ TARNSYSM_API int TrimLoop0(double eps, int closed, int n, double (*const v)[5]);
 
 /// Removes every self-intersection loop in place, keeping the piece nearest to the picked point
 /// pick: each segment is tested against the earlier ones, nearest first, and the first crossing
-/// cuts a loop out. A loop the picked point lies on is returned at once; otherwise the remaining
-/// polyline is kept unless a loop lies strictly nearer (by PLineDist), in which case that loop
-/// is returned. A returned loop sets *closed to 1. Rows are only ever removed or cut: the result
-/// has at most n rows, none written beyond row n - 1. A cut row takes the attributes of the row
-/// that ends the loop; rows inside a returned loop keep theirs. Straight segments cross an arc
-/// only where the crossing lies on the arc and within the straight segment. Returns the new row
-/// count (0 for n <= 0). If memory runs out, the rows and *closed are left untouched and n is
-/// returned.
+/// cuts a loop out. Segments that share a row (i - 1 and i, and on a closed polyline the closing
+/// segment and segment 0, which share row 0) cut a loop only where they meet a second time; of
+/// their two points the one farther from the shared row is cut (for the closing segment, the
+/// one farther from row 0 along segment 0). A simple closed polygon comes back as itself. A loop
+/// the picked point lies on is returned at once; otherwise the remaining polyline is kept unless a
+/// loop lies strictly nearer (by PLineDist), in which case that loop is returned. A returned loop
+/// sets *closed to 1. Rows are only ever removed or cut: the result has at most n rows, none
+/// written beyond row n - 1. A cut row takes the attributes of the row that ends the loop; rows
+/// inside a returned loop keep theirs. Straight segments cross an arc only where the crossing lies
+/// on the arc and within the straight segment. Returns the new row count (0 for n <= 0). If memory
+/// runs out, the rows and *closed are left untouched and n is returned.
 TARNSYSM_API int TrimLoopS(double eps, double* const pick, int* closed, int n,
                            double (*const v)[5]);
 
@@ -198,3 +214,58 @@ TARNSYSM_API int VertexDist(double eps, double* const p, double x1, double y1, d
 /// arc and within the sight segment for an arc. 0 otherwise, and for k outside 0 .. n-1.
 TARNSYSM_API int IntersPLine(double eps, int k, double px, double py, int closed, int n,
                              double (*const v)[5]);
+
+// ---- Round-corner offset ----------------------------------------------------------------------
+//
+// The exact offset of a polyline at a distance: the boundary of the set of points at distance
+// exactly |dist| from the polyline on the chosen side. Lines stay lines and arcs stay concentric
+// arcs; wherever moved neighbours pull apart the corner becomes an arc of radius |dist| about the
+// shared vertex (a round corner); an arc moved past its centre leaves nothing. Where the offset
+// splits, every loop is returned. A loop runs the way its source runs: a closed input gives
+// closed loops that run the same way round as the input (holes that an outward offset encloses
+// run the other way, as boundaries of the same region do); an open input gives open pieces in the
+// direction of travel, and closed loops where the offset closes on itself.
+//
+// Attributes: a row that starts a piece of a moved source segment keeps fields 3 and 4 of that
+// segment's start row; a row that starts a round corner (or, with the row that ends an open
+// piece inside a segment, a point cut by the trimming) takes -1.0 in field 3 and field 4 of the
+// source row at whose vertex or segment it lies. The last row of an open piece that ends where
+// the input ends keeps fields 3 and 4 of the input's last row.
+//
+// Tolerances: rows closer than eps merge; a bulge within (-eps, eps) is straight; a point of the
+// offset counts as too near the input when it is nearer than |dist| - tol, where tol is eps
+// raised to 1e-12 of the drawing's extent (its coordinates, its arcs' radii and |dist|) where
+// that is larger, so round-off alone never drops a piece, and lowered to |dist|/2 where that is
+// smaller. Crossings closer than tol along the offset count as one.
+//
+// Bad input gives 0: n < 1, null rows, eps negative or not finite, a non-finite coordinate or
+// bulge among the n rows (fields 3 and 4 may hold anything), dist not finite or |dist| < eps,
+// fewer than two distinct vertices. Memory exhaustion also gives 0. v is only read.
+
+/// Every loop of the offset of the polyline v (n rows, closed when `closed` is non-zero) at the
+/// signed distance dist (positive: right of travel). Rows of loop k are out[loopStart[k]] up to
+/// the next loop's start (the last loop's up to the result - 1); loopClosed[k] is 1 for a closed
+/// loop, 0 for an open piece (open input only). Loops are ordered by where they start along the
+/// input; a closed loop starts at its piece that comes first along the input.
+///
+/// Returns the total number of rows written and sets *loopCount. Returns 0 with *loopCount = 0
+/// when the offset is empty (the polyline collapses) or the input is bad (see above). When
+/// outRoom rows or loopRoom loops are too few, returns -(rows needed) with *loopCount = loops
+/// needed and writes nothing else (out may then be null with outRoom 0, loopStart and loopClosed
+/// null with loopRoom 0: a query of the room).
+TARNSYSM_API int PLineOffsetRound(double eps, int closed, int n, double (*const v)[5], double dist,
+                                  double (*out)[5], int outRoom, int* loopStart, int* loopClosed,
+                                  int loopRoom, int* loopCount);
+
+/// The loop of the round-corner offset nearest to the picked point pick = (pick[0], pick[1]). The
+/// side comes from the picked point's signed distance by PLineDist, as PLineOffset takes it: with
+/// `through` non-zero the offset passes through the point and dist is ignored, otherwise it
+/// moves |dist| to the picked side. Of the loops of PLineOffsetRound the one nearest the picked
+/// point (the first on a tie) is written to out, and *outClosed says whether it is closed.
+///
+/// Returns its row count; 0 when there is none (the picked point lies on the polyline within
+/// eps, its distance cannot be measured, the offset is empty or the input is bad), out and
+/// *outClosed untouched; -(rows needed) when outRoom is too small, out and *outClosed untouched.
+TARNSYSM_API int PLineOffsetRoundPick(double eps, int closed, int n, double (*const v)[5],
+                                      int through, double* const pick, double dist,
+                                      double (*out)[5], int outRoom, int* outClosed);

@@ -61,6 +61,13 @@ class SegmentIndex {
   bool visitAlongSegment(double x1, double y1, double x2, double y2, double pad,
                          Visit&& visit) const;
 
+  /// Calls visit(id) for the ids whose boxes, and the boxes of every subtree holding them, pass
+  /// accept(const SegmentBox&) (a box may only be larger than what it holds, so accept must
+  /// pass any box that holds a passing one), in no particular order, until visit returns true;
+  /// returns whether it did.
+  template <class Accept, class Visit>
+  bool visitWhere(Accept&& accept, Visit&& visit) const;
+
  private:
   // Boxes are kept in single precision, rounded outwards, which halves the tree's memory.
   struct Node {
@@ -126,15 +133,20 @@ bool SegmentIndex::visitBelowDescending(int limit, const SegmentBox& query, Visi
 template <class Visit>
 bool SegmentIndex::visitAlongSegment(double x1, double y1, double x2, double y2, double pad,
                                      Visit&& visit) const {
+  const SightSegment sight(x1, y1, x2, y2, pad);
+  return visitWhere([&](const SegmentBox& box) { return sight.mayMeet(box); }, visit);
+}
+
+template <class Accept, class Visit>
+bool SegmentIndex::visitWhere(Accept&& accept, Visit&& visit) const {
   if (count_ == 0)
     return false;
-  const SightSegment sight(x1, y1, x2, y2, pad);
   int stack[64];
   int top = 0;
   stack[top++] = 1;
   while (top > 0) {
     const int node = stack[--top];
-    if (!sight.mayMeet(static_cast<SegmentBox>(nodes_[node])))
+    if (!accept(static_cast<SegmentBox>(nodes_[node])))
       continue;
     if (node >= leaves_) {
       if (visit(node - leaves_))

@@ -4,6 +4,14 @@ list(APPEND TARNSYSM_SOURCES
   offset/measures.cpp
   offset/joins.cpp)
 list(APPEND TARNSYSM_SOURCES
+  offset/distance.cpp
   offset/driver.cpp
+  offset/offset_check.cpp
   offset/segment_index.cpp
-  offset/trim.cpp)
+  offset/trim.cpp
+  offset/trim_segments.cpp)
+# The round-corner offset: raw offset, slicing, stitching.
+list(APPEND TARNSYSM_SOURCES
+  offset/round_raw.cpp
+  offset/round_slice.cpp
+  offset/round_stitch.cpp)

@@ -16,13 +16,21 @@
 /// reaches INT_MAX characters) the string is empty; nothing throws.
 class TARNSYSM_API CString {
  public:
+  /// The empty string.
   CString() noexcept;
+  /// A copy of the C string `text` (null gives the empty string).
   CString(const char* text);  // NOLINT(google-explicit-constructor): the framework converts too
+  /// A copy of `other`.
   CString(const CString& other);
+  /// Takes over `other`'s text, leaving `other` empty.
   CString(CString&& other) noexcept;
+  /// Copies `other`'s text.
   CString& operator=(const CString& other);
+  /// Takes over `other`'s text; `other` is left holding this string's former text.
   CString& operator=(CString&& other) noexcept;
+  /// Copies the C string `text` (null gives the empty string).
   CString& operator=(const char* text);
+  /// Frees the text.
   ~CString();
 
   /// Number of characters, without the terminating NUL.
@@ -43,7 +51,8 @@ class TARNSYSM_API CString {
   CString Left(int count) const;
   /// The last `count` characters; count is clamped to [0, GetLength()].
   CString Right(int count) const;
-  /// Removes leading white space (the C locale's: space, \t, \n, \v, \f, \r) in place.
+  /// Removes leading white space (the C locale's: space, tab, line feed, vertical tab, form feed,
+  /// carriage return) in place.
   CString& TrimLeft();
   /// Removes trailing white space in place.
   CString& TrimRight();
@@ -95,8 +104,8 @@ TARNSYSM_API int Match(CString name, CString patterns, int limit);
 /// limit), 1 for none, -1 for a malformed pattern (an unclosed set, a lone escape or backquote).
 /// Items: '#' a digit, '@' a letter, '.' a character that is neither, '?' any character, '*' any
 /// run (shortest first), "[set]" with members and ranges x-y (raw character codes, ends the set
-/// when y <= x), "[~...]" the negated form, '\' then x the literal x, '`' then x (or '`\x') the
-/// literal x, '~' at pos 0 the negation of the rest, anything else itself. Each backslash met at
-/// the name's current character is deleted from `name` in place as matching goes. A null name or
-/// pattern counts as empty. Returns 1 when memory cannot be had.
+/// when y <= x), "[~...]" the negated form, '\' then x the literal x, '`' then x (or '`', '\' and
+/// x) the literal x, '~' at pos 0 the negation of the rest, anything else itself. Each backslash
+/// met at the name's current character is deleted from `name` in place as matching goes. A null
+/// name or pattern counts as empty. Returns 1 when memory cannot be had.
 TARNSYSM_API int match(int pos, int limit, char* name, const char* pattern);

@@ -1,0 +1,497 @@
+// Tarnsysm: planar computational geometry for 2D drafting.
+// The round-corner offset: where pieces meet, how near they come, and the slicing of the raw
+// offset into runs that are kept or dropped.
+//
+// Every point of the raw offset lies at distance |d| from the segment or vertex it was made
+// from, so no point of it is farther than |d| from the input: a point belongs to the offset
+// exactly when nothing else comes nearer. For a closed input that does not cross itself that
+// can change along the raw curve only where the curve meets itself (a point at distance |d|
+// from a second part of the input lies on that part's own moved copy or round corner), so once
+// the curve is cut at its crossings one point decides each slice. An open input can also be
+// entered from its far side and from the circles of radius |d| about its ends (the ends are cut
+// too), and an input that crosses itself has no sides to speak of: there every piece of a slice
+// is measured against the input near it, with exact line and arc distances, and a slice that
+// comes nearer than |d| anywhere is dropped.
+#include "offset/round_internal.h"
+
+#include "primitives/internal.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace tarnsysm::detail {
+
+namespace {
+
+double cross(double ax, double ay, double bx, double by) {
+  return ax * by - ay * bx;
+}
+
+// On the arc's sweep, or within tol of one of its ends.
+bool nearArc(const Piece& p, double x, double y, double tol) {
+  return directionOnArc(p, x - p.cx, y - p.cy) || length(x - p.x0, y - p.y0) <= tol ||
+         length(x - p.x1, y - p.y1) <= tol;
+}
+
+// Parameter of (x, y) along a line piece, with tol slack at both ends.
+bool nearLine(const Piece& p, double x, double y, double tol) {
+  const double ux = p.x1 - p.x0, uy = p.y1 - p.y0;
+  const double len = length(ux, uy);
+  const double s = ((x - p.x0) * ux + (y - p.y0) * uy) / (len * len);
+  const double slack = tol / len;
+  return s >= -slack && s <= 1.0 + slack;
+}
+
+bool nearPiece(const Piece& p, double x, double y, double tol) {
+  return p.isArc() ? nearArc(p, x, y, tol) : nearLine(p, x, y, tol);
+}
+
+// Adds (x, y) unless it repeats a point already found (within tol); at most two.
+void addPoint(double x, double y, double tol, double (*pts)[2], int& count) {
+  for (int i = 0; i < count; ++i)
+    if (length(pts[i][0] - x, pts[i][1] - y) <= tol)
+      return;
+  if (count < 2) {
+    pts[count][0] = x;
+    pts[count][1] = y;
+    ++count;
+  }
+}
+
+// The ends of a and b that lie on the other piece: where collinear or concentric pieces overlap.
+void overlapEnds(const Piece& a, const Piece& b, double tol, double (*pts)[2], int& count) {
+  if (nearPiece(a, b.x0, b.y0, tol))
+    addPoint(b.x0, b.y0, tol, pts, count);
+  if (nearPiece(a, b.x1, b.y1, tol))
+    addPoint(b.x1, b.y1, tol, pts, count);
+  if (nearPiece(b, a.x0, a.y0, tol))
+    addPoint(a.x0, a.y0, tol, pts, count);
+  if (nearPiece(b, a.x1, a.y1, tol))
+    addPoint(a.x1, a.y1, tol, pts, count);
+}
+
+int meetLines(const Piece& a, const Piece& b, double tol, double (*pts)[2]) {
+  const double ux = a.x1 - a.x0, uy = a.y1 - a.y0;
+  const double vx = b.x1 - b.x0, vy = b.y1 - b.y0;
+  const double wx = b.x0 - a.x0, wy = b.y0 - a.y0;
+  const double lenA = length(ux, uy), lenB = length(vx, vy);
+  const double den = cross(ux, uy, vx, vy);
+  int count = 0;
+  if (!(lenA > 0.0 && lenB > 0.0))
+    return 0;
+  // Parallel within round-off: collinear pieces overlap at their ends, others never meet.
+  if (std::fabs(den) <= 1e-14 * lenA * lenB) {
+    if (std::fabs(cross(ux, uy, wx, wy)) <= tol * lenA)
+      overlapEnds(a, b, tol, pts, count);
+    return count;
+  }
+  const double s = cross(wx, wy, vx, vy) / den;
+  const double t = cross(wx, wy, ux, uy) / den;
+  const double slackA = tol / lenA, slackB = tol / lenB;
+  if (s < -slackA || s > 1.0 + slackA || t < -slackB || t > 1.0 + slackB)
+    return 0;
+  const double sc = std::clamp(s, 0.0, 1.0);
+  pts[0][0] = a.x0 + ux * sc;
+  pts[0][1] = a.y0 + uy * sc;
+  return 1;
+}
+
+// A line piece and the circle of an arc piece. The foot F of the centre on the line lies at
+// distance h from the centre; the line meets the circle at F +- sqrt(r^2 - h^2) along it, once
+// where that half chord is within tol.
+int meetLineArc(const Piece& line, const Piece& arc, double tol, double (*pts)[2]) {
+  const double ux = line.x1 - line.x0, uy = line.y1 - line.y0;
+  const double len = length(ux, uy);
+  const double ex = ux / len, ey = uy / len;
+  const double fx = line.x0 - arc.cx, fy = line.y0 - arc.cy;
+  const double s0 = -(fx * ex + fy * ey);
+  const double hx = fx + s0 * ex, hy = fy + s0 * ey;
+  const double h = length(hx, hy);
+  if (h > arc.r + tol)
+    return 0;
+  double cand[2][2];
+  int candCount = 0;
+  const double half2 = (arc.r - h) * (arc.r + h);
+  const double half = half2 > 0.0 ? std::sqrt(half2) : 0.0;
+  if (half <= tol) {
+    // A touch: the foot, moved onto the circle.
+    const double k = h > 0.0 ? arc.r / h : 1.0;
+    cand[0][0] = arc.cx + hx * k;
+    cand[0][1] = arc.cy + hy * k;
+    candCount = 1;
+  } else {
+    cand[0][0] = arc.cx + hx - half * ex;
+    cand[0][1] = arc.cy + hy - half * ey;
+    cand[1][0] = arc.cx + hx + half * ex;
+    cand[1][1] = arc.cy + hy + half * ey;
+    candCount = 2;
+  }
+  int count = 0;
+  for (int i = 0; i < candCount; ++i)
+    if (nearLine(line, cand[i][0], cand[i][1], tol) && nearArc(arc, cand[i][0], cand[i][1], tol))
+      addPoint(cand[i][0], cand[i][1], tol, pts, count);
+  return count;
+}
+
+// Two arc pieces, a the one of smaller radius. With the centre distance c and
+// m = (c^2 - rb^2 + ra^2)/(2c) the distance from a's centre to the common chord (c^2 - rb^2
+// taken as (c - rb)(c + rb): a large circle touching a small one would lose the chord to
+// cancellation otherwise), the circles meet at m along the centre line, +- the half chord
+// sqrt(ra^2 - m^2) across it; once where that is within tol or the circles touch.
+int meetArcs(const Piece& first, const Piece& second, double tol, double (*pts)[2]) {
+  const Piece& a = first.r <= second.r ? first : second;
+  const Piece& b = first.r <= second.r ? second : first;
+  const double dx = b.cx - a.cx, dy = b.cy - a.cy;
+  const double c = length(dx, dy);
+  int count = 0;
+  if (c <= tol) {
+    if (b.r - a.r <= tol)
+      overlapEnds(a, b, tol, pts, count);
+    return count;
+  }
+  if (c > a.r + b.r + tol || c < b.r - a.r - tol)
+    return 0;
+  const double ux = dx / c, uy = dy / c;
+  const double m = std::clamp(((c - b.r) * (c + b.r) + a.r * a.r) / (2.0 * c), -a.r, a.r);
+  const double half2 = (a.r - m) * (a.r + m);
+  const double half = half2 > 0.0 ? std::sqrt(half2) : 0.0;
+  const double mx = a.cx + m * ux, my = a.cy + m * uy;
+  double cand[2][2] = {{mx - half * uy, my + half * ux}, {mx + half * uy, my - half * ux}};
+  const int candCount = half <= tol ? 1 : 2;
+  for (int i = 0; i < candCount; ++i)
+    if (nearArc(a, cand[i][0], cand[i][1], tol) && nearArc(b, cand[i][0], cand[i][1], tol))
+      addPoint(cand[i][0], cand[i][1], tol, pts, count);
+  return count;
+}
+
+// Whether the arc comes nearer than lim to the line where their normals line up: at the arc's
+// points C +- r n, n the line's unit normal.
+bool arcNearLineInside(const Piece& arc, const Piece& line, double lim) {
+  const double ux = line.x1 - line.x0, uy = line.y1 - line.y0;
+  const double len = length(ux, uy);
+  const double nx = uy / len, ny = -ux / len;
+  for (double s : {1.0, -1.0})
+    if (directionOnArc(arc, s * nx, s * ny) &&
+        distanceToPiece(line, arc.cx + s * arc.r * nx, arc.cy + s * arc.r * ny) < lim)
+      return true;
+  return false;
+}
+
+// Whether arc a comes nearer than lim to arc b at a point of a on the line through both centres.
+bool arcNearArcInside(const Piece& a, const Piece& b, double lim) {
+  const double dx = b.cx - a.cx, dy = b.cy - a.cy;
+  const double c = length(dx, dy);
+  if (!(c > 0.0))
+    return false;  // concentric: the ends decide
+  for (double s : {1.0, -1.0}) {
+    const double ux = s * dx / c, uy = s * dy / c;
+    if (directionOnArc(a, ux, uy) && distanceToPiece(b, a.cx + a.r * ux, a.cy + a.r * uy) < lim)
+      return true;
+  }
+  return false;
+}
+
+// Whether some point of f lies nearer than lim to e. The least distance between two pieces is
+// 0 where they meet, else it is taken at an end of one of them or at a pair of inner points
+// whose connecting line is normal to both: for a line and an arc the arc's points on the
+// normal through its centre, for two arcs their points on the line through both centres.
+bool comesNearer(const Piece& f, const Piece& e, double lim) {
+  if (distanceToPiece(e, f.x0, f.y0) < lim || distanceToPiece(e, f.x1, f.y1) < lim ||
+      distanceToPiece(f, e.x0, e.y0) < lim || distanceToPiece(f, e.x1, e.y1) < lim)
+    return true;
+  double pts[2][2];
+  if (meetPoints(f, e, 0.0, pts) > 0)
+    return true;
+  if (f.isArc() && e.isArc())
+    return arcNearArcInside(f, e, lim) || arcNearArcInside(e, f, lim);
+  if (f.isArc())
+    return arcNearLineInside(f, e, lim);
+  if (e.isArc())
+    return arcNearLineInside(e, f, lim);
+  return false;
+}
+
+class UnionFind {
+ public:
+  explicit UnionFind(int count) : parent_(static_cast<size_t>(count)) {
+    std::iota(parent_.begin(), parent_.end(), 0);
+  }
+  int find(int k) {
+    while (parent_[static_cast<size_t>(k)] != k) {
+      parent_[static_cast<size_t>(k)] =
+          parent_[static_cast<size_t>(parent_[static_cast<size_t>(k)])];
+      k = parent_[static_cast<size_t>(k)];
+    }
+    return k;
+  }
+  void unite(int a, int b) { parent_[static_cast<size_t>(find(a))] = find(b); }
+
+ private:
+  std::vector<int> parent_;
+};
+
+// Cuts where the raw curve meets itself. Neighbouring pieces share an end: where they meet
+// along a common tangent nothing else can be shared, otherwise only their other meeting points
+// count.
+void selfCuts(const RoundInput& in, const std::vector<Piece>& raw, double tol,
+              const PieceTree& index, const std::vector<PieceBox>& boxes, std::vector<Cut>& cuts,
+              int& nodes) {
+  const int count = static_cast<int>(raw.size());
+  std::vector<int> near;
+  visitNearPairs(index, boxes, 0.0, near, [&](int i, int j) {
+    const Piece& p = raw[static_cast<size_t>(i)];
+    const Piece& q = raw[static_cast<size_t>(j)];
+    const bool afterQ = j == i - 1;
+    const bool beforeQ = in.closed && j == 0 && i == count - 1;
+    if ((afterQ || beforeQ) && (!afterQ || p.smoothStart) && (!beforeQ || q.smoothStart))
+      return false;
+    double pts[2][2];
+    const int found = meetPoints(p, q, tol, pts);
+    for (int k = 0; k < found; ++k) {
+      const double x = pts[k][0], y = pts[k][1];
+      if ((afterQ && length(x - p.x0, y - p.y0) <= tol) ||
+          (beforeQ && length(x - q.x0, y - q.y0) <= tol))
+        continue;
+      cuts.push_back({i, std::clamp(parameterOnPiece(p, x, y), 0.0, 1.0), nodes, x, y, j});
+      cuts.push_back({j, std::clamp(parameterOnPiece(q, x, y), 0.0, 1.0), nodes, x, y, i});
+      ++nodes;
+    }
+    return false;
+  });
+}
+
+// Cuts where the raw offset of an open input enters the circle of radius |d| about either end,
+// and the raw curve's own two ends.
+void endCuts(const RoundInput& in, const std::vector<Piece>& raw, double ad, double tol,
+             const PieceTree& index, std::vector<Cut>& cuts, int& nodes) {
+  const int count = static_cast<int>(raw.size());
+  for (int end = 0; end < 2; ++end) {
+    const double* row = in.row(end == 0 ? 0 : in.rowCount - 1);
+    Piece circle;
+    circle.cx = row[0];
+    circle.cy = row[1];
+    circle.r = ad;
+    circle.sweep = kTwoPi;
+    circle.x0 = circle.x1 = row[0] + ad;
+    circle.y0 = circle.y1 = row[1];
+    const int own = end == 0 ? 0 : count - 1;
+    const Piece& ownPiece = raw[static_cast<size_t>(own)];
+    const double ox = end == 0 ? ownPiece.x0 : ownPiece.x1;
+    const double oy = end == 0 ? ownPiece.y0 : ownPiece.y1;
+    index.visit(count, pieceBox(circle, tol), 0.0, [&](int j) {
+      double pts[2][2];
+      const int found = meetPoints(raw[static_cast<size_t>(j)], circle, tol, pts);
+      for (int k = 0; k < found; ++k) {
+        if (j == own && length(pts[k][0] - ox, pts[k][1] - oy) <= tol)
+          continue;
+        const double t = parameterOnPiece(raw[static_cast<size_t>(j)], pts[k][0], pts[k][1]);
+        cuts.push_back({j, std::clamp(t, 0.0, 1.0), nodes++, pts[k][0], pts[k][1], -1});
+      }
+      return false;
+    });
+  }
+  cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0, -1});
+  cuts.push_back({count - 1, 1.0, nodes++, raw.back().x1, raw.back().y1, -1});
+}
+
+// Whether the closed input meets itself anywhere but at the rows its neighbouring segments share.
+bool crossesItself(const RoundInput& in, const PieceTree& index, const std::vector<PieceBox>& boxes,
+                   double tol) {
+  const int count = static_cast<int>(in.segs.size());
+  std::vector<int> near;
+  return visitNearPairs(index, boxes, tol, near, [&](int i, int j) {
+    const Piece& p = in.segs[static_cast<size_t>(i)];
+    double pts[2][2];
+    const int found = meetPoints(p, in.segs[static_cast<size_t>(j)], tol, pts);
+    for (int k = 0; k < found; ++k) {
+      const bool sharedStart = j == i - 1 && length(pts[k][0] - p.x0, pts[k][1] - p.y0) <= tol;
+      const bool sharedEnd =
+          j == 0 && i == count - 1 && length(pts[k][0] - p.x1, pts[k][1] - p.y1) <= tol;
+      if (!sharedStart && !sharedEnd)
+        return true;
+    }
+    return false;
+  });
+}
+
+// Whether the run of the slice keeps at least lim from the input everywhere (a moved segment
+// is not measured against its own source, from which it keeps |d| exactly).
+bool sliceKeepsAway(const RoundInput& in, const std::vector<Piece>& raw,
+                    const PieceTree& inputIndex, const SlicedOffset& s, const Slice& slice,
+                    double lim, bool measureAll, const std::vector<PieceBox>& segBoxes,
+                    std::vector<Piece>& frags, std::vector<PieceBox>& boxes,
+                    std::vector<int>& nearScratch) {
+  const int count = static_cast<int>(raw.size());
+  const auto fragment = [&](int p, double ta, double tb) {
+    const Piece& piece = raw[static_cast<size_t>(p)];
+    double xa, ya, xb, yb;
+    pointOnPiece(piece, ta, &xa, &ya);
+    pointOnPiece(piece, tb, &xb, &yb);
+    return subPiece(piece, ta, tb, xa, ya, xb, yb);
+  };
+  const auto nearer = [&](const Piece& f, auto&& test) {
+    return inputIndex.visit(static_cast<int>(in.segs.size()), pieceBox(f, 0.0), lim, [&](int e) {
+      return !(f.kind == PieceKind::kMoved && e == f.src) && test(in.segs[static_cast<size_t>(e)]);
+    });
+  };
+  // The middle point first: a dropped slice usually shows it there at once.
+  int fragCount = 0;
+  forEachFragment(s, slice, count, in.closed, [&](int, double, double) { ++fragCount; });
+  Piece mid;
+  int k = 0;
+  forEachFragment(s, slice, count, in.closed, [&](int p, double ta, double tb) {
+    if (k++ == fragCount / 2)
+      mid = fragment(p, ta, tb);
+  });
+  double mx, my;
+  pointOnPiece(mid, 0.5, &mx, &my);
+  Piece point = mid;
+  point.r = 0.0;
+  point.x0 = point.x1 = mx;
+  point.y0 = point.y1 = my;
+  // Where the slice enters or leaves the band of another segment, the piece crossing there was
+  // made from that segment (or from a corner at one of its ends): asking those first settles
+  // most dropped slices without a search.
+  const int segCount = static_cast<int>(in.segs.size());
+  for (int c : {slice.from, slice.to}) {
+    const int other = s.cuts[static_cast<size_t>(c)].other;
+    if (other < 0)
+      continue;
+    const int src = raw[static_cast<size_t>(other)].src;
+    for (int e : {src, src - 1, src + 1}) {
+      const int seg = in.closed ? (e + segCount) % segCount : e;
+      if (seg >= 0 && seg < segCount && !(mid.kind == PieceKind::kMoved && seg == mid.src) &&
+          distanceToPiece(in.segs[static_cast<size_t>(seg)], mx, my) < lim)
+        return false;
+    }
+  }
+  if (nearer(point, [&](const Piece& e) { return distanceToPiece(e, mx, my) < lim; }))
+    return false;
+  if (!measureAll)
+    return true;
+  frags.clear();
+  forEachFragment(s, slice, count, in.closed,
+                  [&](int p, double ta, double tb) { frags.push_back(fragment(p, ta, tb)); });
+  // Then every fragment, a run of them at a time: one walk of the tree finds the segments near
+  // the run's box, and each fragment is measured against those whose boxes come near its own.
+  constexpr size_t kRun = 16;
+  std::vector<int>& near = nearScratch;
+  for (size_t first = 0; first < frags.size(); first += kRun) {
+    const size_t last = std::min(frags.size(), first + kRun);
+    PieceBox run = pieceBox(frags[first], 0.0);
+    boxes.clear();
+    for (size_t f = first; f < last; ++f) {
+      boxes.push_back(pieceBox(frags[f], 0.0));
+      run = unite(run, boxes.back());
+    }
+    near.clear();
+    inputIndex.visit(static_cast<int>(in.segs.size()), run, lim, [&](int e) {
+      near.push_back(e);
+      return false;
+    });
+    for (size_t f = first; f < last; ++f)
+      for (int e : near) {
+        const Piece& seg = in.segs[static_cast<size_t>(e)];
+        if (!(frags[f].kind == PieceKind::kMoved && e == frags[f].src) &&
+            boxGapSquared(boxes[f - first], segBoxes[static_cast<size_t>(e)]) < lim * lim &&
+            comesNearer(frags[f], seg, lim))
+          return false;
+      }
+  }
+  return true;
+}
+
+}  // namespace
+
+int meetPoints(const Piece& a, const Piece& b, double tol, double (*pts)[2]) {
+  if (!a.isArc() && !b.isArc())
+    return meetLines(a, b, tol, pts);
+  if (!a.isArc())
+    return meetLineArc(a, b, tol, pts);
+  if (!b.isArc())
+    return meetLineArc(b, a, tol, pts);
+  return meetArcs(a, b, tol, pts);
+}
+
+void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double d, double tol,
+                    SlicedOffset& out) {
+  const int count = static_cast<int>(raw.size());
+  const double ad = std::fabs(d);
+  out = SlicedOffset();
+  std::vector<PieceBox> boxes;  // of the raw pieces, grown by tol
+  boxes.reserve(raw.size());
+  for (const Piece& p : raw)
+    boxes.push_back(pieceBox(p, tol));
+  PieceTree index;
+  index.build(count, [&](int i) { return boxes[static_cast<size_t>(i)]; });
+  std::vector<Cut>& cuts = out.cuts;
+  int nodes = 0;
+  selfCuts(in, raw, tol, index, boxes, cuts, nodes);
+  if (!in.closed)
+    endCuts(in, raw, ad, tol, index, cuts, nodes);
+  else if (cuts.empty())
+    cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0, -1});
+  std::stable_sort(cuts.begin(), cuts.end(), [](const Cut& a, const Cut& b) {
+    return a.piece < b.piece || (a.piece == b.piece && a.t < b.t);
+  });
+
+  // Cuts closer than tol along the curve are one node, and the run between them is none.
+  std::vector<double> start(static_cast<size_t>(count) + 1, 0.0);
+  for (int i = 0; i < count; ++i)
+    start[static_cast<size_t>(i) + 1] =
+        start[static_cast<size_t>(i)] + pieceLength(raw[static_cast<size_t>(i)]);
+  const auto position = [&](const Cut& c) {
+    return start[static_cast<size_t>(c.piece)] +
+           c.t * pieceLength(raw[static_cast<size_t>(c.piece)]);
+  };
+  const int cutCount = static_cast<int>(cuts.size());
+  UnionFind joined(nodes);
+  std::vector<char> empty(static_cast<size_t>(cutCount), 0);
+  for (int k = 0; k < cutCount; ++k) {
+    const bool last = k + 1 == cutCount;
+    if (last && (!in.closed || cutCount == 1))
+      break;
+    const Cut& a = cuts[static_cast<size_t>(k)];
+    const Cut& b = cuts[static_cast<size_t>(last ? 0 : k + 1)];
+    const double gap = last ? start.back() - position(a) + position(b) : position(b) - position(a);
+    if (gap <= tol) {
+      joined.unite(a.node, b.node);
+      empty[static_cast<size_t>(k)] = 1;
+    }
+  }
+  out.nodeOf.resize(static_cast<size_t>(cutCount));
+  std::vector<int> rootIndex(static_cast<size_t>(nodes), -1);
+  for (int k = 0; k < cutCount; ++k) {
+    const Cut& c = cuts[static_cast<size_t>(k)];
+    int& id = rootIndex[static_cast<size_t>(joined.find(c.node))];
+    if (id < 0) {
+      id = out.nodeCount++;
+      out.nodeX.push_back(c.x);
+      out.nodeY.push_back(c.y);
+    }
+    out.nodeOf[static_cast<size_t>(k)] = id;
+  }
+
+  std::vector<PieceBox> segBoxes;
+  for (const Piece& seg : in.segs)
+    segBoxes.push_back(pieceBox(seg, 0.0));
+  PieceTree inputIndex;
+  inputIndex.build(static_cast<int>(in.segs.size()),
+                   [&](int e) { return segBoxes[static_cast<size_t>(e)]; });
+  const double lim = ad - std::min(tol, ad / 2.0);
+  const bool measureAll = !in.closed || crossesItself(in, inputIndex, segBoxes, tol);
+  std::vector<Piece> frags;
+  std::vector<PieceBox> fragBoxes;
+  std::vector<int> near;
+  for (int k = 0; k < cutCount; ++k) {
+    if (empty[static_cast<size_t>(k)] || (k + 1 == cutCount && !in.closed))
+      continue;
+    Slice slice{k, k + 1 == cutCount ? 0 : k + 1, false};
+    slice.kept = sliceKeepsAway(in, raw, inputIndex, out, slice, lim, measureAll, segBoxes, frags,
+                                boxes, near);
+    out.slices.push_back(slice);
+  }
+}
+
+}  // namespace tarnsysm::detail
