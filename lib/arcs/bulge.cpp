@@ -2,6 +2,7 @@
 // Bulge segments as arcs, and arc extents. PL_ArcParam is the library's definition of a bulge:
 // its centre side, its angle order for clockwise bulges and its degenerate outputs.
 #include "arcs/arcs.h"
+#include "arcs/internal.h"
 #include "primitives/internal.h"
 #include "primitives/primitives.h"
 
@@ -60,6 +61,9 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
   }
   if (start - eps > end)
     end += kTwoPi;
+  // Overflowing input (a chord beyond the largest double) gives no usable circle either.
+  if (!allFinite({ccx, ccy, radius, start, end}))
+    return degenerate();
   *cx = ccx;
   *cy = ccy;
   *r = radius;

@@ -1,36 +1,115 @@
 // Tarnsysm tool tests: the tarnsysm command run end to end on small drawings.
-// Exit statuses, what is (and is not) written, layers, areas of offsets, the SVG picture.
+// Each table row is one command line with its exit status and a piece of what it says; areas
+// of offsets are computed here from first principles, not by the library.
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
 
 #include "dxf_io.h"
 #include "text_io.h"
-#include "tool_test_support.h"
 
 namespace tarnsysm::tool::test {
 namespace {
 
-// A 10 x 10 square, counter-clockwise and clockwise, and a circle of radius 5 about the
-// origin drawn as two counter-clockwise half circles.
+namespace fs = std::filesystem;
+constexpr double kPi = 3.141592653589793;
+
+// Signed area (counter-clockwise positive) of a closed polyline of lines and bulge arcs: the
+// shoelace sum plus, for each arc, its circular segment r^2/2 (theta - sin theta), added where
+// the arc bows outwards (a positive bulge bows to the right of travel).
+double enclosedArea(const Polyline& p) {
+  double area = 0.0;
+  const auto& v = p.vertices;
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    const Vertex& a = v[i];
+    const Vertex& b = v[(i + 1) % v.size()];
+    area += (a.x * b.y - b.x * a.y) / 2.0;
+    const double theta = 4.0 * std::atan(std::fabs(a.bulge));
+    const double r = std::hypot(b.x - a.x, b.y - a.y) / (2.0 * std::sin(theta / 2.0));
+    if (a.bulge != 0.0)
+      area += std::copysign(r * r / 2.0 * (theta - std::sin(theta)), a.bulge);
+  }
+  return area;
+}
+
+// A fresh directory, removed with everything in it at the end of the test.
+struct TempDir {
+  fs::path path;
+  TempDir() {
+    std::string pattern = fs::temp_directory_path() / "tarnsysm-test-XXXXXX";
+    path = mkdtemp(pattern.data());
+  }
+  ~TempDir() { fs::remove_all(path); }
+  std::string operator/(const std::string& name) const { return path / name; }
+};
+
+void writeFile(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string readFile(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+struct RunResult {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+// Runs "prefix tarnsysm command" through the shell in `dir`; the command's words are plain.
+RunResult runTool(const TempDir& dir, const std::string& command, const std::string& prefix = "") {
+  const std::string out = dir.path.string() + ".out";
+  const std::string line = "cd '" + dir.path.string() + "' && " + prefix + " '" +
+                           TARNSYSM_TOOL_PATH + "' " + command + " >'" + out + "' 2>'" + out +
+                           ".err'";
+  const int raw = std::system(line.c_str());
+  RunResult result{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(out), readFile(out + ".err")};
+  fs::remove(out);
+  fs::remove(out + ".err");
+  return result;
+}
+
+// A 10 x 10 square both ways round, a circle of radius 5 about the origin drawn as two
+// counter-clockwise half circles, and a figure-eight whose crossing is the midpoint of its first
+// segment: a clockwise right lobe (0,0)-(5,5)-(5,-5) and a counter-clockwise left lobe.
 const char* const kSquareCcw = "closed 4\n0 0 0\n10 0 0\n10 10 0\n0 10 0\n";
 const char* const kSquareCw = "closed 4\n0 0 0\n0 10 0\n10 10 0\n10 0 0\n";
 const char* const kCircleCcw = "closed 2\n5 0 1\n-5 0 1\n";
+const char* const kEight = "closed 4\n-5 -5 0\n5 5 0\n5 -5 0\n-5 5 0\n";
 
-Drawing readTextFile(const std::string& path) {
-  std::ifstream in(path);
-  return readText(in, path);
+// The right lobe's inradius is twice its area 25 over its perimeter 10 + 10 sqrt 2; moving every
+// side of a triangle by d scales it about its incentre by (r + d) / r.
+double lobeArea(double d) {
+  const double r = 50.0 / (10.0 + 10.0 * std::sqrt(2.0));
+  return 25.0 * (r + d) / r * (r + d) / r;
 }
 
-// ---- Areas of offsets, against the analytic values ------------------------------------------
+// Two 10 x 10 squares joined by a neck 2 wide and 10 long. Moved in by 3 they part: each leaves
+// the square 3..7 and, in front of the neck, a bite bounded by circles of radius 3 about the
+// neck's corners, 2 (3 - (sqrt(8) / 2 + 9/2 asin(1/3))) (the integral of 3 - sqrt(9 - t^2)
+// over t = 0 .. 1, twice).
+const char* const kNeck =
+    "closed 12\n0 0 0\n10 0 0\n10 4 0\n20 4 0\n20 0 0\n30 0 0\n30 10 0\n20 10 0\n20 6 0\n"
+    "10 6 0\n10 10 0\n0 10 0\n";
+const double kNeckLoop = 16.0 + 2.0 * (3.0 - (std::sqrt(8.0) / 2.0 + 4.5 * std::asin(1.0 / 3.0)));
 
 struct AreaCase {
   const char* name;
   const char* input;
-  std::vector<std::string> where;  // --side ... or --pick ...
-  double distance;
-  double area;  // enclosed by the offset, |signed area|
+  const char* args;  // after "offset in.txt"
+  double area;       // enclosed by the offsets written to standard output, together
+  std::size_t loops = 1;
 };
 
 void PrintTo(const AreaCase& c, std::ostream* os) {
@@ -43,379 +122,328 @@ TEST_P(OffsetArea, offset_encloses_the_analytic_area) {
   const AreaCase& c = GetParam();
   TempDir dir;
   writeFile(dir / "in.txt", c.input);
-  std::vector<std::string> args = {"offset",   "in.txt", "--distance", std::to_string(c.distance),
-                                   "--output", "out.dxf"};
-  args.insert(args.end(), c.where.begin(), c.where.end());
-  const RunResult run = runTool(dir, args);
-  ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.err, "");
-
-  const DxfContents dxf = DxfContents::read(dir / "out.dxf");
-  ASSERT_EQ(dxf.polylinesByLayer.count(kOffsetLayer), 1u);
-  const auto& offsets = dxf.polylinesByLayer.at(kOffsetLayer);
-  ASSERT_EQ(offsets.size(), 1u);
-  EXPECT_TRUE(offsets[0].closed);
-  EXPECT_NEAR(std::fabs(enclosedArea(offsets[0])), c.area, 1e-9 * c.area);
+  const RunResult run = runTool(dir, std::string("offset in.txt ") + c.args);
+  ASSERT_EQ(run.status, 0) << c.name << ": " << run.err;
+  EXPECT_EQ(run.err, "") << c.name;
+  std::istringstream out(run.out);
+  const Drawing offsets = readText(out, "stdout");
+  ASSERT_EQ(offsets.polylines.size(), c.loops) << c.name;
+  double area = 0.0;
+  for (const Polyline& loop : offsets.polylines) {
+    EXPECT_TRUE(loop.closed) << c.name;
+    area += std::fabs(enclosedArea(loop));
+  }
+  EXPECT_NEAR(area, c.area, 1e-9 * c.area) << c.name;
 }
 
-// A square offset outwards by 1 keeps sharp corners: 12 x 12. Inwards: 8 x 8. The circle's
-// radius grows or shrinks by the distance. Inside and outside must not depend on the
-// direction in which the square is drawn; left and right do.
+// A square moved out by 1 keeps sharp corners: 12 x 12; in: 8 x 8; through (5, -2): 14 x 14.
+// Inside and outside do not depend on the direction of travel; left and right do. A half disc
+// of radius 5 moved in by 1 is the radius-4 disc above a chord at 1: r^2 acos(d/r) - d sqrt(r^2
+// - d^2). Right of the figure-eight's travel is inside its clockwise lobe.
 INSTANTIATE_TEST_SUITE_P(
     Tool, OffsetArea,
     ::testing::Values(
-        AreaCase{"ccw_square_outside", kSquareCcw, {"--side", "outside"}, 1.0, 144.0},
-        AreaCase{"cw_square_outside", kSquareCw, {"--side", "outside"}, 1.0, 144.0},
-        AreaCase{"ccw_square_inside", kSquareCcw, {"--side", "inside"}, 1.0, 64.0},
-        AreaCase{"cw_square_inside", kSquareCw, {"--side", "inside"}, 1.0, 64.0},
-        AreaCase{"ccw_square_right_is_outside", kSquareCcw, {"--side", "right"}, 1.0, 144.0},
-        AreaCase{"ccw_square_left_is_inside", kSquareCcw, {"--side", "left"}, 1.0, 64.0},
-        AreaCase{"cw_square_right_is_inside", kSquareCw, {"--side", "right"}, 1.0, 64.0},
-        AreaCase{"square_pick_inside", kSquareCcw, {"--pick", "5,5"}, 1.0, 64.0},
-        AreaCase{"square_pick_outside", kSquareCcw, {"--pick=-3,-4"}, 1.0, 144.0},
-        AreaCase{"circle_outside", kCircleCcw, {"--side", "outside"}, 1.0, kPi * 36.0},
-        AreaCase{"circle_inside", kCircleCcw, {"--side", "inside"}, 1.0, kPi * 16.0},
-        AreaCase{"circle_left_is_inside", kCircleCcw, {"--side", "left"}, 2.0, kPi * 9.0},
-        AreaCase{"circle_inside_nearly_to_its_centre", kCircleCcw, {"--side", "inside"}, 4.0, kPi},
-        // A half disc of radius 5 closed by its diameter, the arc on the closing segment.
-        // Inwards by 1: the part of the radius-4 disc above the chord at distance 1,
-        // r^2 acos(d / r) - d sqrt(r^2 - d^2).
-        AreaCase{"half_disc_inside",
-                 "closed 2\n-5 0 0\n5 0 1\n",
-                 {"--side", "inside"},
-                 1.0,
-                 16.0 * std::acos(0.25) - std::sqrt(15.0)}),
+        AreaCase{"ccw_square_outside", kSquareCcw, "-d 1 --side outside", 144.0},
+        AreaCase{"cw_square_outside", kSquareCw, "-d 1 --side outside", 144.0},
+        AreaCase{"ccw_square_inside", kSquareCcw, "-d 1 --side inside", 64.0},
+        AreaCase{"cw_square_inside", kSquareCw, "-d 1 --side inside", 64.0},
+        AreaCase{"ccw_square_right_is_outside", kSquareCcw, "-d 1 --side right", 144.0},
+        AreaCase{"cw_square_right_is_inside", kSquareCw, "-d 1 --side right", 64.0},
+        AreaCase{"square_pick_inside", kSquareCcw, "-d 1 --pick 5,5", 64.0},
+        AreaCase{"square_pick_outside", kSquareCcw, "-d 1 --pick=-3,-4", 144.0},
+        AreaCase{"square_through_pick", kSquareCcw, "--through --pick 5,-2", 196.0},
+        AreaCase{"circle_outside", kCircleCcw, "-d 1 --side outside", kPi * 36.0},
+        AreaCase{"circle_inside", kCircleCcw, "-d 1 --side inside", kPi * 16.0},
+        AreaCase{"circle_left_is_inside", kCircleCcw, "-d 2 --side left", kPi * 9.0},
+        AreaCase{"circle_nearly_to_its_centre", kCircleCcw, "-d 4 --side inside", kPi},
+        AreaCase{"half_disc_inside", "closed 2\n-5 0 0\n5 0 1\n", "-d 1 --side inside",
+                 16.0 * std::acos(0.25) - std::sqrt(15.0)},
+        AreaCase{"figure_eight_right", kEight, "-d 1 --side right", lobeArea(-1.0)},
+        AreaCase{"figure_eight_left", kEight, "-d 1 --side left", lobeArea(1.0)},
+        // Round corners: a quarter circle of radius 1 at each corner of the square.
+        AreaCase{"square_outside_round_corners", kSquareCcw, "-d 1 --side outside --corners round",
+                 140.0 + kPi},
+        AreaCase{"neck_inside_nearest_loop", kNeck, "-d 3 --side inside --corners round",
+                 kNeckLoop},
+        AreaCase{"neck_inside_every_loop", kNeck, "-d 3 --side inside --all-loops", 2.0 * kNeckLoop,
+                 2}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(Tool, through_offset_passes_through_the_pick_point) {
-  // The pick point (5, -2) lies 2 below the bottom side: the offset is the 14 x 14 square.
-  TempDir dir;
-  writeFile(dir / "in.txt", kSquareCcw);
-  const RunResult run = runTool(dir, {"offset", "in.txt", "--through", "--pick", "5,-2"});
-  ASSERT_EQ(run.status, 0) << run.err;
-  writeFile(dir / "out.txt", run.out);
-  const Drawing out = readTextFile(dir / "out.txt");
-  ASSERT_EQ(out.polylines.size(), 1u);
-  EXPECT_NEAR(std::fabs(enclosedArea(out.polylines[0])), 196.0, 1e-9);
-}
+// ---- Command lines: exit status, message, and for errors nothing written -----------------
 
-TEST(Tool, circle_offset_inwards_past_its_centre_has_no_offset) {
-  // A hole of radius 5 drawn as two half circles, offset inwards by 8: nothing is left of
-  // it. (The library offsets a two-row polyline in one unlimited step; the tool hands it the
-  // circle as three rows so that the arc stops at its centre.) The same for a single arc.
-  TempDir dir;
-  writeFile(dir / "in.txt", std::string(kCircleCcw) + "open 2\n0 0 1\n10 0 0\n");
-  const RunResult run = runTool(dir, {"offset", "in.txt", "-d", "8", "--side", "left"});
-  EXPECT_EQ(run.status, 1);
-  const auto lines = linesOf(run.err);
-  ASSERT_EQ(lines.size(), 2u) << run.err;
-  EXPECT_NE(lines[0].find("polyline 1 not offset"), std::string::npos) << lines[0];
-  EXPECT_NE(lines[1].find("polyline 2 not offset"), std::string::npos) << lines[1];
-  EXPECT_EQ(run.out, "");
-}
-
-// ---- The written drawing -----------------------------------------------------------------
-
-TEST(Tool, dxf_output_has_input_offset_and_pick_layers) {
-  TempDir dir;
-  writeFile(dir / "in.txt", std::string(kSquareCcw) + kCircleCcw);
-  const RunResult run =
-      runTool(dir, {"offset", "in.txt", "-d", "1", "--side", "outside", "--output", "out.dxf"});
-  ASSERT_EQ(run.status, 0) << run.err;
-
-  const DxfContents dxf = DxfContents::read(dir / "out.dxf");
-  for (const char* layer : {"0", kInputLayer, kOffsetLayer, kPickLayer}) {
-    EXPECT_NE(std::find(dxf.layerNames.begin(), dxf.layerNames.end(), layer), dxf.layerNames.end())
-        << layer;
-  }
-  // The input comes back unchanged, in order, on its own layer.
-  ASSERT_EQ(dxf.polylinesByLayer.at(kInputLayer).size(), 2u);
-  const Polyline& square = dxf.polylinesByLayer.at(kInputLayer)[0];
-  ASSERT_EQ(square.vertices.size(), 4u);
-  EXPECT_EQ(square.vertices[2].x, 10.0);
-  EXPECT_EQ(square.vertices[2].y, 10.0);
-  const Polyline& circle = dxf.polylinesByLayer.at(kInputLayer)[1];
-  ASSERT_EQ(circle.vertices.size(), 2u);
-  EXPECT_EQ(circle.vertices[0].bulge, 1.0);
-  EXPECT_TRUE(circle.closed);
-  EXPECT_EQ(dxf.polylinesByLayer.at(kOffsetLayer).size(), 2u);
-  // One pick point per polyline, each just off its polyline.
-  ASSERT_EQ(dxf.pointsByLayer.at(kPickLayer).size(), 2u);
-  const Point squarePick = dxf.pointsByLayer.at(kPickLayer)[0];
-  EXPECT_NEAR(squarePick.x, 5.0, 1e-9);
-  EXPECT_LT(squarePick.y, 0.0);
-  EXPECT_GT(squarePick.y, -0.1);
-}
-
-TEST(Tool, text_goes_to_stdout_without_output_files_and_to_a_txt_output) {
-  TempDir dir;
-  writeFile(dir / "in.txt", kSquareCcw);
-  const RunResult toStdout = runTool(dir, {"offset", "in.txt", "-d", "1", "--side", "left"});
-  ASSERT_EQ(toStdout.status, 0) << toStdout.err;
-  const RunResult toFile =
-      runTool(dir, {"offset", "in.txt", "-d", "1", "--side", "left", "-o", "out.txt"});
-  ASSERT_EQ(toFile.status, 0) << toFile.err;
-  EXPECT_EQ(readFile(dir / "out.txt"), toStdout.out);
-  const Drawing out = readTextFile(dir / "out.txt");
-  ASSERT_EQ(out.polylines.size(), 1u);
-  EXPECT_NEAR(std::fabs(enclosedArea(out.polylines[0])), 64.0, 1e-9);
-}
-
-TEST(Tool, successful_run_leaves_no_temporary_files) {
-  TempDir dir;
-  writeFile(dir / "in.txt", kSquareCcw);
-  const RunResult run = runTool(dir, {"offset", "in.txt", "-d", "1", "--side", "left", "--output",
-                                      "out.dxf", "--svg", "out.svg"});
-  ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(dir.files(), (std::vector<std::string>{"in.txt", "out.dxf", "out.svg"}));
-}
-
-// ---- Polylines that get no offset: warnings and exit status 1 --------------------------------
-
-TEST(Tool, open_polyline_asked_for_inside_is_a_warning_and_the_rest_is_written) {
-  TempDir dir;
-  writeFile(dir / "in.txt", std::string(kSquareCcw) + "open 3\n20 0 0\n30 0 0\n30 10 0\n");
-  const RunResult run =
-      runTool(dir, {"offset", "in.txt", "-d", "1", "--side", "inside", "--output", "out.dxf"});
-  EXPECT_EQ(run.status, 1);
-  const auto lines = linesOf(run.err);
-  ASSERT_EQ(lines.size(), 1u) << run.err;
-  EXPECT_NE(lines[0].find("warning: polyline 2 "), std::string::npos) << lines[0];
-  EXPECT_NE(lines[0].find("open"), std::string::npos) << lines[0];
-  const DxfContents dxf = DxfContents::read(dir / "out.dxf");
-  EXPECT_EQ(dxf.polylinesByLayer.at(kInputLayer).size(), 2u);
-  ASSERT_EQ(dxf.polylinesByLayer.at(kOffsetLayer).size(), 1u);
-  EXPECT_NEAR(std::fabs(enclosedArea(dxf.polylinesByLayer.at(kOffsetLayer)[0])), 64.0, 1e-9);
-}
-
-TEST(Tool, polyline_the_library_cannot_offset_is_named_and_the_others_are_written) {
-  // The pick point (0, 5) lies on the left side of the first square: the library refuses
-  // that one. The second square, further right, is offset towards the point.
-  TempDir dir;
-  DxfContent drawing;
-  drawing.layers = {{"PARTS", 3}};
-  for (double x0 : {0.0, 20.0}) {
-    Polyline p;
-    p.layer = "PARTS";
-    p.closed = true;
-    p.vertices = {{x0, 0, 0}, {x0 + 10, 0, 0}, {x0 + 10, 10, 0}, {x0, 10, 0}};
-    drawing.polylines.push_back(p);
-  }
-  writeDxf(dir / "in.dxf", drawing);
-  const RunResult run = runTool(dir, {"offset", "in.dxf", "-d", "1", "--pick", "0,5", "--output",
-                                      "out.dxf", "--svg", "out.svg"});
-  EXPECT_EQ(run.status, 1);
-  const auto lines = linesOf(run.err);
-  ASSERT_EQ(lines.size(), 1u) << run.err;
-  EXPECT_EQ(lines[0].rfind("tarnsysm: warning: polyline 1 (handle ", 0), 0u) << lines[0];
-  EXPECT_NE(lines[0].find("layer PARTS)"), std::string::npos) << lines[0];
-  const DxfContents dxf = DxfContents::read(dir / "out.dxf");
-  ASSERT_EQ(dxf.polylinesByLayer.at(kOffsetLayer).size(), 1u);
-  // Outwards, towards the point on the left: 12 x 12.
-  EXPECT_NEAR(std::fabs(enclosedArea(dxf.polylinesByLayer.at(kOffsetLayer)[0])), 144.0, 1e-9);
-  EXPECT_NE(readFile(dir / "out.svg").find("not offset"), std::string::npos);
-}
-
-// ---- User errors: one line, exit status 2, nothing written --------------------------------
-
-struct ErrorCase {
+struct CommandCase {
   const char* name;
-  std::vector<std::string> args;  // after "offset"; out.dxf and out.svg are added
-  const char* expected;           // a piece of the message
+  const char* command;
+  int status;
+  const char* message;      // a piece of standard error (or output, for status 0 and 1)
+  const char* prefix = "";  // shell words before the command
 };
 
-void PrintTo(const ErrorCase& c, std::ostream* os) {
+void PrintTo(const CommandCase& c, std::ostream* os) {
   *os << c.name;
 }
 
-class UserErrors : public ::testing::TestWithParam<ErrorCase> {};
+// Names and contents of everything in the directory (links as their targets), to show that a
+// failed command changed nothing.
+std::map<std::string, std::string> snapshot(const TempDir& dir) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : fs::directory_iterator(dir.path)) {
+    std::string& seen = files[entry.path().filename()];
+    if (entry.is_symlink())
+      seen = "-> " + fs::read_symlink(entry.path()).string();
+    else if (entry.is_regular_file() && entry.file_size() < (1u << 20))
+      seen = readFile(entry.path());
+  }
+  return files;
+}
 
-TEST_P(UserErrors, one_line_exit_status_2_and_no_output_file) {
-  const ErrorCase& c = GetParam();
-  TempDir dir;
+std::string dxfEntities(const std::string& pairs) {
+  return "  0\nSECTION\n  2\nENTITIES\n" + pairs + "  0\nENDSEC\n  0\nEOF\n";
+}
+
+void makeInputs(const TempDir& dir) {
   writeFile(dir / "square.txt", kSquareCcw);
+  writeFile(dir / "circle.txt", kCircleCcw);
+  writeFile(dir / "two.txt", std::string(kSquareCcw) + "open 3\n20 0 0\n30 0 0\n30 10 0\n");
   writeFile(dir / "bad_number.txt", "closed 3\n0 0 0\n10 0 0\n10 1O 0\n");
+  // PLineOffset makes nothing of this one moved in by 3.496; the round-corner engine makes a
+  // small triangle with one round corner.
+  writeFile(dir / "fallback.txt",
+            "closed 7\n3.771 2.054 0\n-4.021 5.961 0\n-4.898 -7.36 0\n-0.448 -5.444 0\n"
+            "-0.334 -3.507 0\n1.933 -4.779 0\n6.995 -2.995 0\n");
   writeFile(dir / "short.txt", "closed 3\n0 0 0\n10 0 0\n");
-  // Far beyond any drawing; dxflib's writer would overflow its number buffer on it.
   writeFile(dir / "huge.txt", "open 2\n1e300 0 0\n0 0 0\n");
   writeFile(dir / "empty.dxf", "");
   writeFile(dir / "junk.dxf", "this is not a drawing\n");
-  DxfContent noPolylines;
-  noPolylines.points = {{1.0, 2.0}};
-  noPolylines.pointLayer = "0";
-  writeDxf(dir / "points.dxf", noPolylines);
-  std::filesystem::create_directory(dir.path() / "folder");
-  const auto before = dir.files();
+  writeFile(dir / "points.dxf", dxfEntities("  0\nPOINT\n  8\n0\n 10\n1\n 20\n2\n"));
+  writeFile(dir / "binary.dxf", std::string("AutoCAD Binary DXF\r\n\x1a\0\0\0", 24));
+  const std::string poly3d =
+      "  0\nPOLYLINE\n  5\n3A\n  8\nWALLS\n 66\n1\n 70\n8\n  0\nVERTEX\n  8\nWALLS\n 10\n0\n "
+      "20\n0\n"
+      " 30\n1\n  0\nVERTEX\n  8\nWALLS\n 10\n1\n 20\n0\n 30\n2\n  0\nSEQEND\n";
+  writeFile(dir / "only3d.dxf", dxfEntities(poly3d));
+  writeFile(dir / "mixed.dxf", dxfEntities(poly3d + "  0\nLWPOLYLINE\n  8\n0\n 90\n2\n 70\n1\n"
+                                                    " 10\n0\n 20\n0\n 42\n1\n 10\n4\n 20\n0\n"));
+  for (const char* name :
+       {"dxf_truncated_in_vertex_list.dxf", "dxf_count_lies_less.dxf",
+        "dxf_lwpolyline_count_1073741824_segv.dxf", "dxf_nan_coordinate_read_as_0.dxf",
+        "dxf_garbage_coordinate_read_as_number.dxf"}) {
+    fs::copy_file(std::string(TARNSYSM_TEST_DATA_DIR "/") + name, dir / name);
+  }
+  fs::copy_file(TARNSYSM_EXAMPLES_DIR "/gasket.dxf", dir / "gasket.dxf");
+  std::string xyz = readFile(dir / "dxf_garbage_coordinate_read_as_number.dxf");
+  writeFile(dir / "xyz.dxf", xyz.replace(xyz.find("abc"), 3, "10"));
+  fs::create_directory(dir.path / "folder");
+  fs::create_symlink("square.txt", dir.path / "link.txt");
+  fs::create_hard_link(dir / "square.txt", dir.path / "hard.txt");
+  writeFile(dir / "out.dxf", "earlier result\n");
+}
 
-  std::vector<std::string> args = {"offset"};
-  args.insert(args.end(), c.args.begin(), c.args.end());
-  args.insert(args.end(), {"--output", "out.dxf", "--svg", "out.svg"});
-  const RunResult run = runTool(dir, args);
-  EXPECT_EQ(run.status, 2);
-  const auto lines = linesOf(run.err);
-  ASSERT_EQ(lines.size(), 1u) << run.err;
-  EXPECT_EQ(lines[0].rfind("tarnsysm: error: ", 0), 0u) << lines[0];
-  EXPECT_NE(lines[0].find(c.expected), std::string::npos) << lines[0];
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(dir.files(), before);
+class Commands : public ::testing::TestWithParam<CommandCase> {};
+
+TEST_P(Commands, exit_status_and_message) {
+  const CommandCase& c = GetParam();
+  TempDir dir;
+  makeInputs(dir);
+  if (std::string(c.name) == "input_too_large")
+    fs::resize_file(dir / "square.txt", (std::uintmax_t{256} << 20) + 1);
+  const auto before = snapshot(dir);
+  // A failing command names outputs, unless it is about them, to show that none is written.
+  std::string command = c.command;
+  if (c.status == 2 && command.find(" -o ") == std::string::npos &&
+      command.find("--svg") == std::string::npos)
+    command += " -o new.dxf --svg new.svg";
+  const RunResult run = runTool(dir, command, c.prefix);
+  EXPECT_EQ(run.status, c.status) << c.name << ": " << run.err;
+  if (c.status != 2) {
+    EXPECT_NE((run.out + run.err).find(c.message), std::string::npos) << c.name << ": " << run.err;
+    return;
+  }
+  EXPECT_EQ(run.err.rfind("tarnsysm: error: ", 0), 0u) << c.name << ": " << run.err;
+  EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << c.name << ": one line: " << run.err;
+  EXPECT_NE(run.err.find(c.message), std::string::npos) << c.name << ": " << run.err;
+  EXPECT_EQ(run.out, "") << c.name;
+  EXPECT_EQ(snapshot(dir), before) << c.name;
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Tool, UserErrors,
+    Tool, Commands,
     ::testing::Values(
-        ErrorCase{"missing_file", {"nothere.dxf", "-d", "1", "--side", "left"}, "nothere.dxf"},
-        ErrorCase{"directory", {"folder", "-d", "1", "--side", "left"}, "directory"},
-        ErrorCase{"empty_file", {"empty.dxf", "-d", "1", "--side", "left"}, "LWPOLYLINE"},
-        ErrorCase{"not_a_drawing", {"junk.dxf", "-d", "1", "--side", "left"}, "LWPOLYLINE"},
-        ErrorCase{
-            "dxf_without_polylines", {"points.dxf", "-d", "1", "--side", "left"}, "LWPOLYLINE"},
-        ErrorCase{"malformed_vertex",
-                  {"bad_number.txt", "-d", "1", "--side", "left"},
-                  "bad_number.txt:4: malformed y '1O'"},
-        ErrorCase{"file_ends_early", {"short.txt", "-d", "1", "--side", "left"}, "short.txt:3"},
-        ErrorCase{"huge_coordinate", {"huge.txt", "-d", "1", "--side", "left"}, "1e12"},
-        ErrorCase{"huge_distance", {"square.txt", "-d", "2e12", "--side", "left"}, "1e12"},
-        ErrorCase{"huge_pick", {"square.txt", "-d", "1", "--pick", "0,-1e200"}, "1e12"},
-        ErrorCase{"malformed_distance", {"square.txt", "-d", "1,5", "--side", "left"}, "'1,5'"},
-        ErrorCase{"infinite_distance", {"square.txt", "-d", "1e999", "--side", "left"}, "1e999"},
-        ErrorCase{"zero_distance", {"square.txt", "-d", "0", "--side", "left"}, "not be 0"},
-        ErrorCase{"negative_distance", {"square.txt", "-d", "-1", "--side", "left"}, "positive"},
-        ErrorCase{"no_distance", {"square.txt", "--side", "left"}, "--distance"},
-        ErrorCase{"malformed_pick", {"square.txt", "-d", "1", "--pick", "5;5"}, "X,Y"},
-        ErrorCase{"no_side_or_pick", {"square.txt", "-d", "1"}, "--side"},
-        ErrorCase{"unknown_side", {"square.txt", "-d", "1", "--side", "up"}, "up"},
-        ErrorCase{"pick_and_side",
-                  {"square.txt", "-d", "1", "--side", "left", "--pick", "1,1"},
-                  "excludes"},
-        ErrorCase{"through_without_pick", {"square.txt", "--through", "--side", "left"}, "--pick"},
-        ErrorCase{"bad_eps", {"square.txt", "-d", "1", "--side", "left", "--eps", "0"}, "--eps"}),
+        // Mistakes in the command.
+        CommandCase{"unknown_command", "offst square.txt", 2, "unknown command 'offst'"},
+        CommandCase{"unknown_option", "offset square.txt --bogus", 2, "--bogus"},
+        CommandCase{"huge_distance", "offset square.txt -d 2e12 --side left", 2, "1e12"},
+        CommandCase{"huge_pick", "offset square.txt -d 1 --pick 0,-1e200", 2, "1e12"},
+        CommandCase{"malformed_distance", "offset square.txt -d 1,5 --side left", 2, "'1,5'"},
+        CommandCase{"infinite_distance", "offset square.txt -d 1e999 --side left", 2, "1e999"},
+        CommandCase{"zero_distance", "offset square.txt -d 0 --side left", 2, "not be 0"},
+        CommandCase{"negative_distance", "offset square.txt -d -1 --side left", 2, "positive"},
+        CommandCase{"no_distance", "offset square.txt --side left", 2, "--distance"},
+        CommandCase{"malformed_pick", "offset square.txt -d 1 --pick '5;5'", 2, "X,Y"},
+        CommandCase{"no_side_or_pick", "offset square.txt -d 1", 2, "--side"},
+        CommandCase{"unknown_side", "offset square.txt -d 1 --side up", 2, "up"},
+        CommandCase{"pick_and_side", "offset square.txt --pick 1,1 --side left", 2, "excludes"},
+        CommandCase{"through_without_pick", "offset square.txt --through --side left", 2, "--pick"},
+        CommandCase{"zero_eps", "offset square.txt -d 1 --side left --eps 0", 2, "--eps"},
+        CommandCase{"unknown_corners", "offset square.txt -d 1 --side left --corners bevel", 2,
+                    "bevel"},
+        CommandCase{"all_loops_with_sharp_corners",
+                    "offset square.txt -d 1 --side left --corners sharp --all-loops", 2,
+                    "--all-loops"},
+        // Outputs that would overwrite the input or each other.
+        CommandCase{"svg_is_the_input", "offset square.txt -d 1 --side left --svg square.txt", 2,
+                    "is the input file"},
+        CommandCase{"output_is_the_input_through_a_link",
+                    "offset square.txt -d 1 --side left -o "
+                    "link.txt",
+                    2, "is the input file"},
+        CommandCase{"output_is_the_input_spelt_otherwise",
+                    "offset square.txt -d 1 --side left -o "
+                    "folder/../square.txt",
+                    2, "is the input file"},
+        CommandCase{"output_is_a_hard_link_of_the_input",
+                    "offset square.txt -d 1 --side left -o "
+                    "hard.txt",
+                    2, "is the input file"},
+        CommandCase{"both_outputs_one_file",
+                    "offset square.txt -d 1 --side left -o a.dxf --svg "
+                    "./a.dxf",
+                    2, "the same file"},
+        CommandCase{"both_outputs_standard_output",
+                    "offset square.txt -d 1 --side left -o - --svg "
+                    "-",
+                    2, "the same file"},
+        // Outputs that cannot be written whole: the earlier out.dxf stays.
+        CommandCase{"full_device", "offset square.txt -d 1 --side left -o out.dxf --svg /dev/full",
+                    2, "No space left"},
+        CommandCase{"file_size_limit", "offset gasket.dxf -d 1 --side left -o out.dxf", 2,
+                    "File too large", "trap '' XFSZ; ulimit -f 4;"},
+        CommandCase{"output_folder_missing", "offset square.txt -d 1 --side left -o no/such/o.dxf",
+                    2, "no/such/o.dxf"},
+        // Inputs that cannot be read whole.
+        CommandCase{"missing_file", "offset nothere.dxf -d 1 --side left", 2, "nothere.dxf"},
+        CommandCase{"directory", "offset folder -d 1 --side left", 2, "directory"},
+        CommandCase{"endless_line", "offset /dev/zero -d 1 --side left", 2, "line 1 is longer"},
+        CommandCase{"input_too_large", "offset square.txt -d 1 --side left", 2, "the 256 MiB"},
+        CommandCase{"malformed_vertex", "offset bad_number.txt -d 1 --side left", 2,
+                    "bad_number.txt:4: malformed y '1O'"},
+        CommandCase{"text_ends_early", "offset short.txt -d 1 --side left", 2, "short.txt:3"},
+        CommandCase{"huge_coordinate", "offset huge.txt -d 1 --side left", 2, "1e12"},
+        CommandCase{"empty_file", "offset empty.dxf -d 1 --side left", 2, "is empty"},
+        CommandCase{"not_a_drawing", "offset junk.dxf -d 1 --side left", 2, "not a DXF group"},
+        CommandCase{"binary_dxf", "offset binary.dxf -d 1 --side left", 2,
+                    "binary DXF is not supported"},
+        CommandCase{"no_polylines", "offset points.dxf -d 1 --side left", 2, "holds no LWPOLY"},
+        CommandCase{"only_3d_polylines", "offset only3d.dxf -d 1 --side left", 2,
+                    "only 1 left out"},
+        CommandCase{"dxf_cut_short", "offset dxf_truncated_in_vertex_list.dxf -d 1 --side left", 2,
+                    "line 842: the drawing ends inside LWPOLYLINE (handle 38)"},
+        CommandCase{"vertex_count_too_small", "offset dxf_count_lies_less.dxf -d 1 --side left", 2,
+                    "line 12: LWPOLYLINE (handle 2A) announces 2 vertices"},
+        CommandCase{"vertex_count_2_to_the_30",
+                    "offset dxf_lwpolyline_count_1073741824_segv.dxf -d 1 --side left", 2,
+                    "line 12: LWPOLYLINE (handle 2A): count 1073741824"},
+        CommandCase{"nan_coordinate", "offset dxf_nan_coordinate_read_as_0.dxf -d 1 --side left", 2,
+                    "line 20: LWPOLYLINE (handle 2A): 'nan'"},
+        CommandCase{"word_coordinate",
+                    "offset dxf_garbage_coordinate_read_as_number.dxf -d 1 --side left", 2,
+                    "line 20: LWPOLYLINE (handle 2A): 'abc'"},
+        CommandCase{"number_with_a_tail", "offset xyz.dxf -d 1 --side left", 2,
+                    "line 22: LWPOLYLINE (handle 2A): '12xyz'"},
+        // Runs that write: a pipe read as a file, a device written in place, standard output.
+        CommandCase{"piped_input", "offset /dev/stdin -d 1 --side left", 0, "closed 4",
+                    "cat square.txt |"},
+        CommandCase{"device_output", "offset square.txt -d 1 --side left -o /dev/null", 0,
+                    "wrote /dev/null"},
+        CommandCase{"dxf_to_standard_output", "offset square.txt -d 1 --side left -o -", 0,
+                    "\nEOF\n"},
+        // Polylines left without an offset, each with the reason.
+        CommandCase{"pick_on_the_polyline", "offset square.txt -d 1 --pick 0,5", 1,
+                    "polyline 1 not offset: the pick point lies on it"},
+        CommandCase{"pick_beyond_an_open_end", "offset two.txt -d 1 --pick=-5,-5", 1,
+                    "polyline 2 not offset: its distance from the pick point cannot be measured"},
+        CommandCase{"collapse", "offset circle.txt -d 8 --side inside", 1,
+                    "polyline 1 not offset: it collapses"},
+        CommandCase{"open_polyline_has_no_inside", "offset two.txt -d 1 --side inside", 1,
+                    "polyline 2 not offset: it is open"},
+        CommandCase{"sharp_corners_fall_back_to_round",
+                    "offset fallback.txt -d 3.496 --side inside", 0,
+                    "polyline 1: its offset cannot be made with sharp corners"},
+        CommandCase{"3d_polyline_left_out", "offset mixed.dxf -d 1 --side left", 1,
+                    "left out polyline (handle 3A, layer WALLS): a 3D polyline"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(Tool, error_leaves_an_existing_output_untouched) {
+// ---- What is written ---------------------------------------------------------------------
+
+TEST(Tool, offset_keeps_the_elevation_and_extrusion_of_its_source) {
+  // A square seen from below (its own x axis is the drawing's -x) at elevation 7.5: moved out
+  // by 1 it spans x = -1 .. 11 in the drawing, 1 .. -11 in its own coordinates.
   TempDir dir;
-  writeFile(dir / "out.dxf", "earlier result\n");
-  const RunResult run =
-      runTool(dir, {"offset", "nothere.txt", "-d", "1", "--side", "left", "-o", "out.dxf"});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(readFile(dir / "out.dxf"), "earlier result\n");
+  Polyline square;
+  square.closed = true;
+  square.elevation = 7.5;
+  square.extrusion = {0.0, 0.0, -1.0};
+  square.vertices = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
+  writeFile(dir / "in.dxf", dxfText(DxfContent{{}, {square}, {}, ""}));
+  const RunResult run = runTool(dir, "offset in.dxf -d 1 --side outside -o out.dxf");
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::string dxf = readFile(dir / "out.dxf");
+  const auto start = dxf.find("\n  8\nOFFSET\n");
+  const std::string offset = dxf.substr(start, dxf.find("\n  0\n", start) + 1 - start);
+  for (const char* pair : {"\n 38\n7.5\n", "\n230\n-1\n", "\n 10\n1\n", "\n 10\n-11\n"})
+    EXPECT_NE(offset.find(pair), std::string::npos) << pair << " in" << offset;
 }
 
-TEST(Tool, unwritable_output_is_an_error_and_writes_neither_file) {
+TEST(Tool, outputs_follow_links_keep_permissions_and_leave_no_temporary_files) {
   TempDir dir;
   writeFile(dir / "in.txt", kSquareCcw);
-  const RunResult run = runTool(dir, {"offset", "in.txt", "-d", "1", "--side", "left", "--svg",
-                                      "out.svg", "--output", "no/such/dir/out.dxf"});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(linesOf(run.err).size(), 1u) << run.err;
-  EXPECT_EQ(dir.files(), std::vector<std::string>{"in.txt"});
+  writeFile(dir / "real.dxf", "earlier\n");
+  fs::permissions(dir / "real.dxf", fs::perms(0640));
+  fs::create_symlink("real.dxf", dir.path / "link.dxf");
+  const RunResult run = runTool(dir, "offset in.txt -d 1 --side left -o link.dxf --svg out.svg");
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_TRUE(fs::is_symlink(dir.path / "link.dxf"));
+  EXPECT_NE(readFile(dir / "real.dxf").find("LWPOLYLINE"), std::string::npos);
+  EXPECT_EQ(fs::status(dir / "real.dxf").permissions(), fs::perms(0640));
+  const auto files = snapshot(dir);
+  EXPECT_EQ(files.size(), 4u);  // in.txt, link.dxf, real.dxf, out.svg
 }
 
-// ---- The SVG picture ---------------------------------------------------------------------
-
-// Checks that the tags of an XML document nest properly below one root element, that every
-// attribute value is quoted and that only the five predefined entities are used.
-::testing::AssertionResult isWellFormedXml(const std::string& xml) {
-  std::vector<std::string> open;
-  std::size_t roots = 0;
-  std::size_t i = 0;
-  if (xml.rfind("<?xml ", 0) == 0)
-    i = xml.find("?>") + 2;
-  while ((i = xml.find('<', i)) != std::string::npos) {
-    const std::size_t end = xml.find('>', i);
-    if (end == std::string::npos)
-      return ::testing::AssertionFailure() << "unclosed tag at " << i;
-    const std::string tag = xml.substr(i + 1, end - i - 1);
-    if (tag.empty())
-      return ::testing::AssertionFailure() << "empty tag at " << i;
-    int quotes = static_cast<int>(std::count(tag.begin(), tag.end(), '"'));
-    if (quotes % 2 != 0)
-      return ::testing::AssertionFailure() << "unbalanced quotes: " << tag;
-    if (tag[0] == '/') {
-      if (open.empty() || open.back() != tag.substr(1)) {
-        return ::testing::AssertionFailure() << "mismatched </" << tag.substr(1) << ">";
-      }
-      open.pop_back();
-    } else {
-      const std::string name = tag.substr(0, tag.find_first_of(" \n/"));
-      if (open.empty())
-        ++roots;
-      if (tag.back() != '/')
-        open.push_back(name);
-    }
-    i = end + 1;
-  }
-  for (std::size_t amp = xml.find('&'); amp != std::string::npos; amp = xml.find('&', amp + 1)) {
-    const std::string rest = xml.substr(amp, 6);
-    if (rest.rfind("&amp;", 0) && rest.rfind("&lt;", 0) && rest.rfind("&gt;", 0) &&
-        rest.rfind("&quot;", 0) && rest.rfind("&apos;", 0)) {
-      return ::testing::AssertionFailure() << "bare & at " << amp;
-    }
-  }
-  if (!open.empty())
-    return ::testing::AssertionFailure() << "<" << open.back() << "> not closed";
-  if (roots != 1)
-    return ::testing::AssertionFailure() << roots << " root elements";
-  return ::testing::AssertionSuccess();
-}
-
-TEST(Tool, svg_is_well_formed_draws_arcs_and_points_y_up) {
+TEST(Tool, svg_draws_arcs_with_y_pointing_up) {
+  // A counter-clockwise half circle from (0, 0) to (10, 0), bowing below the chord, then a line
+  // up to (10, 20); the file name in the caption is escaped.
   TempDir dir;
-  // An open polyline: a counter-clockwise half circle from (0, 0) to (10, 0), which bows
-  // below the chord, then a line up to (10, 20).
   writeFile(dir / "a&b.txt", "open 3\n0 0 1\n10 0 0\n10 20 0\n");
-  const RunResult run =
-      runTool(dir, {"offset", "a&b.txt", "-d", "1", "--side", "left", "--svg", "out.svg"});
+  const RunResult run = runTool(dir, "offset 'a&b.txt' -d 1 --side left --svg out.svg");
   ASSERT_EQ(run.status, 0) << run.err;
   const std::string svg = readFile(dir / "out.svg");
-  EXPECT_TRUE(isWellFormedXml(svg)) << svg;
-  EXPECT_EQ(svg.find("<svg xmlns=\"http://www.w3.org/2000/svg\""), svg.find("<svg"));
-  for (const char* group : {"id=\"input\"", "id=\"offset\"", "id=\"pick\""}) {
-    EXPECT_NE(svg.find(group), std::string::npos) << group;
-  }
-  EXPECT_NE(svg.find("<circle "), std::string::npos);
-
+  EXPECT_NE(svg.find("a&amp;b.txt"), std::string::npos);
+  EXPECT_EQ(svg.rfind("</svg>\n"), svg.size() - 7);
   // The input path: M x0 y0 A r r 0 large sweep x1 y1 L x2 y2.
-  const std::size_t at = svg.find("<path d=\"M", svg.find("id=\"input\""));
-  std::istringstream path(svg.substr(at + 10));
+  std::istringstream path(svg.substr(svg.find("<path d=\"M", svg.find("id=\"input\"")) + 10));
   double x0, y0, r1, r2, rotation, large, sweep, x1, y1, x2, y2;
   char a, l;
   path >> x0 >> y0 >> a >> r1 >> r2 >> rotation >> large >> sweep >> x1 >> y1 >> l >> x2 >> y2;
-  ASSERT_TRUE(path) << svg.substr(at, 120);
-  EXPECT_EQ(a, 'A');
-  EXPECT_EQ(l, 'L');
-  EXPECT_DOUBLE_EQ(r1, r2);
+  ASSERT_TRUE(path);
+  EXPECT_EQ(std::string() + a + l, "AL");
   EXPECT_NEAR(r1, (x1 - x0) / 2.0, 0.02);  // a half circle: radius is half the chord
-  EXPECT_EQ(large, 0.0);
-  // Counter-clockwise in the drawing stays counter-clockwise on screen, which in SVG's
-  // y-down frame is the negative sweep direction.
-  EXPECT_EQ(sweep, 0.0);
-  EXPECT_GT(x1, x0);
+  // Counter-clockwise in the drawing stays so on screen: SVG's negative sweep, y pointing down.
+  EXPECT_EQ(large + sweep, 0.0);
   EXPECT_DOUBLE_EQ(y1, y0);
-  EXPECT_DOUBLE_EQ(x2, x1);
-  EXPECT_LT(y2, y0);  // (10, 20) is above (10, 0): y points up
-  // The half circle's low point (5, -5) is inside the picture: the extent counts the arc.
-  const double top = y2;
-  const double bottom = y0 + (y0 - top) / 20.0 * 5.0;
-  const std::size_t heightAt = svg.find("height=\"") + 8;
-  EXPECT_LT(bottom, std::stod(svg.substr(heightAt)));
-  // The file name in the caption is escaped.
-  EXPECT_NE(svg.find("a&amp;b.txt"), std::string::npos);
+  EXPECT_LT(y2, y0);
 }
 
-// ---- The shipped example ------------------------------------------------------------------
-
-TEST(Tool, example_gasket_is_offset_whole) {
-  // The README's first command: every polyline of the example gets its offset.
+TEST(Tool, example_gasket_is_offset_whole_and_is_what_its_generator_writes) {
+  // The README's first command, and examples/gasket.dxf cannot drift from its source.
   TempDir dir;
-  const RunResult run =
-      runTool(dir, {"offset", TARNSYSM_EXAMPLES_DIR "/gasket.dxf", "--distance", "1.5", "--side",
-                    "right", "--output", "gasket-offset.dxf", "--svg", "gasket-offset.svg"});
+  const RunResult run = runTool(dir, "offset '" TARNSYSM_EXAMPLES_DIR
+                                     "/gasket.dxf' --distance 1.5 --side right --output "
+                                     "gasket-offset.dxf --svg gasket-offset.svg");
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.err, "");
-  const DxfContents dxf = DxfContents::read(dir / "gasket-offset.dxf");
-  EXPECT_EQ(dxf.polylinesByLayer.at(kInputLayer).size(), 8u);
-  EXPECT_EQ(dxf.polylinesByLayer.at(kOffsetLayer).size(), 8u);
-  EXPECT_TRUE(isWellFormedXml(readFile(dir / "gasket-offset.svg")));
+  const std::string made = dir / "made.dxf";
+  ASSERT_EQ(std::system(("'" TARNSYSM_MAKE_GASKET_PATH "' '" + made + "'").c_str()), 0);
+  EXPECT_EQ(readFile(made), readFile(TARNSYSM_EXAMPLES_DIR "/gasket.dxf"));
 }
 
 }  // namespace

@@ -7,16 +7,18 @@
 
 namespace tarnsysm::tool {
 
-std::string describePolyline(const Polyline& polyline, std::size_t index) {
-  std::string text = "polyline " + std::to_string(index);
+std::string placeOf(const Polyline& polyline) {
   std::string where;
   if (!polyline.handle.empty())
     where = "handle " + polyline.handle;
   if (!polyline.layer.empty())
     where += (where.empty() ? "" : ", ") + ("layer " + polyline.layer);
-  if (!where.empty())
-    text += " (" + where + ")";
-  return text;
+  return where;
+}
+
+std::string describePolyline(const Polyline& polyline, std::size_t index) {
+  const std::string where = placeOf(polyline);
+  return "polyline " + std::to_string(index) + (where.empty() ? "" : " (" + where + ")");
 }
 
 bool isVertexWithin(const Vertex& v, double limit) {
@@ -41,7 +43,31 @@ void segmentMidpoint(const Vertex& a, const Vertex& b, Point* mid, Point* direct
   direction->y = uy;
 }
 
+bool arcCentre(const Vertex& a, const Vertex& b, Point* centre, double* radius) {
+  Point mid;
+  Point u;
+  segmentMidpoint(a, b, &mid, &u);
+  const double bulge = std::fabs(a.bulge);
+  const double halfChord = std::hypot(b.x - a.x, b.y - a.y) / 2.0;
+  if (!(bulge > 0.0) || halfChord == 0.0)
+    return false;
+  // sagitta s = bulge * h, and r = (h^2 + s^2) / (2 s); the centre lies from the arc's
+  // midpoint towards the chord, at the radius.
+  *radius = halfChord * (1.0 + bulge * bulge) / (2.0 * bulge);
+  const double towardsChord = a.bulge > 0.0 ? 1.0 : -1.0;
+  centre->x = mid.x - u.y * towardsChord * *radius;
+  centre->y = mid.y + u.x * towardsChord * *radius;
+  return std::isfinite(*radius);
+}
+
 namespace {
+
+// True when q lies on the same side of the chord a-b as the arc's midpoint mid.
+bool onArcSide(const Vertex& a, const Vertex& b, Point mid, Point q) {
+  const double ux = b.x - a.x;
+  const double uy = b.y - a.y;
+  return (ux * (q.y - a.y) - uy * (q.x - a.x)) * (ux * (mid.y - a.y) - uy * (mid.x - a.x)) > 0.0;
+}
 
 void include(Extent* extent, double x, double y) {
   extent->low.x = std::min(extent->low.x, x);
@@ -60,30 +86,46 @@ void includeArc(Extent* extent, const Vertex& a, const Vertex& b) {
   Point u;
   segmentMidpoint(a, b, &mid, &u);
   include(extent, mid.x, mid.y);
-  const double bulge = std::fabs(a.bulge);
-  const double halfChord = std::hypot(b.x - a.x, b.y - a.y) / 2.0;
+  Point c;
+  double radius = 0.0;
   // A nearly flat arc strays from the box of its ends and midpoint by less than its tiny
   // sagitta, while its huge radius would make the centre-plus-radius sums below cancel into
   // noise: the box of those three points is its extent.
-  if (bulge < kFlatBulge || halfChord == 0.0)
+  if (std::fabs(a.bulge) < kFlatBulge || !arcCentre(a, b, &c, &radius))
     return;
-  const double radius = halfChord * (1.0 + bulge * bulge) / (2.0 * bulge);
-  // The centre lies from the midpoint towards the chord, at the radius.
-  const double towardsChord = a.bulge > 0.0 ? 1.0 : -1.0;
-  const double cx = mid.x - u.y * towardsChord * radius;
-  const double cy = mid.y + u.x * towardsChord * radius;
-  const double midSide = u.x * (mid.y - a.y) - u.y * (mid.x - a.x);
   const double compass[4][2] = {{1.0, 0.0}, {0.0, 1.0}, {-1.0, 0.0}, {0.0, -1.0}};
-  for (const auto& c : compass) {
-    const double qx = cx + c[0] * radius;
-    const double qy = cy + c[1] * radius;
-    const double side = u.x * (qy - a.y) - u.y * (qx - a.x);
-    if (side * midSide > 0.0)
-      include(extent, qx, qy);
+  for (const auto& k : compass) {
+    if (onArcSide(a, b, mid, {c.x + k[0] * radius, c.y + k[1] * radius}))
+      include(extent, c.x + k[0] * radius, c.y + k[1] * radius);
   }
 }
 
 }  // namespace
+
+double distanceToSegment(const Vertex& a, const Vertex& b, Point p) {
+  const double toEnds =
+      std::min(std::hypot(p.x - a.x, p.y - a.y), std::hypot(p.x - b.x, p.y - b.y));
+  Point c;
+  double radius = 0.0;
+  if (a.bulge != 0.0 && arcCentre(a, b, &c, &radius)) {
+    // The nearest point of the circle, if it lies on the arc, else the nearer end.
+    const double fromCentre = std::hypot(p.x - c.x, p.y - c.y);
+    if (fromCentre == 0.0)
+      return radius;
+    Point mid;
+    Point u;
+    segmentMidpoint(a, b, &mid, &u);
+    const Point q{c.x + (p.x - c.x) * radius / fromCentre, c.y + (p.y - c.y) * radius / fromCentre};
+    return onArcSide(a, b, mid, q) ? std::fabs(fromCentre - radius) : toEnds;
+  }
+  const double dx = b.x - a.x;
+  const double dy = b.y - a.y;
+  const double lengthSquared = dx * dx + dy * dy;
+  if (lengthSquared == 0.0)
+    return toEnds;
+  const double t = std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / lengthSquared, 0.0, 1.0);
+  return std::hypot(p.x - (a.x + t * dx), p.y - (a.y + t * dy));
+}
 
 bool extentOf(const std::vector<const Polyline*>& polylines, Extent* extent) {
   bool any = false;

@@ -2,6 +2,7 @@
 // Polylines of lines and bulge arcs, with where each came from so messages can name it.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
@@ -26,11 +27,17 @@ struct Polyline {
   bool closed = false;
   std::string layer;   // DXF layer, empty for text input
   std::string handle;  // DXF entity handle in hex, empty when the file gives none
+  // The plane a DXF polyline lies in: its height and the direction it is seen from. Vertices
+  // are always in drawing coordinates; one seen from below (0, 0, -1) is mirrored on output.
+  double elevation = 0.0;
+  std::array<double, 3> extrusion{0.0, 0.0, 1.0};
 };
 
 struct Drawing {
   std::vector<Polyline> polylines;
-  std::size_t skipped = 0;  // polylines the reader left out: 3D ones, meshes, tilted planes
+  // Polylines the reader left out (3D ones, meshes, tilted planes): "polyline (handle 3A, layer
+  // WALLS): a 3D polyline".
+  std::vector<std::string> leftOut;
 };
 
 /// Largest magnitude of a coordinate, bulge, distance or pick point the tool takes in: far
@@ -51,6 +58,9 @@ class UserError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// "handle 2F, layer PARTS": where a polyline comes from, empty when nothing is known.
+std::string placeOf(const Polyline& polyline);
+
 /// "polyline 3 (handle 2F, layer PARTS)": how messages name polyline `index` (counted from 1).
 std::string describePolyline(const Polyline& polyline, std::size_t index);
 
@@ -65,5 +75,12 @@ bool extentOf(const std::vector<const Polyline*>& polylines, Extent* extent);
 /// The point halfway along the segment from a to b with the given bulge (on the arc, not on
 /// the chord), and the unit direction of travel there.
 void segmentMidpoint(const Vertex& a, const Vertex& b, Point* mid, Point* direction);
+
+/// Centre and radius of the arc from a to b with a's bulge; false for a straight or zero-length
+/// segment.
+bool arcCentre(const Vertex& a, const Vertex& b, Point* centre, double* radius);
+
+/// Distance from p to the segment from a to b with a's bulge (line or arc).
+double distanceToSegment(const Vertex& a, const Vertex& b, Point p);
 
 }  // namespace tarnsysm::tool

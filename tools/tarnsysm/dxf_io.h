@@ -14,12 +14,13 @@ inline constexpr const char* kInputLayer = "INPUT";
 inline constexpr const char* kOffsetLayer = "OFFSET";
 inline constexpr const char* kPickLayer = "PICK";
 
-/// Reads the polylines of a DXF file: every LWPOLYLINE (and two-dimensional R12 POLYLINE) of
-/// the ENTITIES section with its bulges and closed flag, in file order. A polyline drawn from
-/// below (extrusion 0, 0, -1) is mirrored into the drawing plane. Polylines inside block
-/// definitions are left out, and so are, counted in `skipped`, 3D polylines, meshes and
-/// polylines in tilted planes. Throws UserError when the file cannot be read.
-Drawing readDxf(const std::string& path);
+/// Reads the polylines of a DXF drawing's text (`name` is for messages): every LWPOLYLINE (and
+/// two-dimensional R12 POLYLINE) of the ENTITIES section with its bulges, closed flag, elevation
+/// and extrusion, in file order. A polyline drawn from below (extrusion 0, 0, -1) is mirrored
+/// into the drawing plane. Polylines inside block definitions are ignored; 3D polylines, meshes
+/// and polylines in tilted planes are left out and listed in `leftOut`. The text is checked
+/// whole first (checkDxfText); throws UserError when it is not.
+Drawing readDxf(const std::string& text, const std::string& name);
 
 struct DxfLayer {
   std::string name;
@@ -40,9 +41,9 @@ struct DxfContent {
 DxfContent offsetDrawing(const std::vector<Polyline>& input, const std::vector<Polyline>& offsets,
                          const std::vector<Point>& picks);
 
-/// Writes an AutoCAD 2000 DXF file (LWPOLYLINE and POINT entities, with the header, tables,
-/// blocks and objects that other readers expect). Throws std::runtime_error when the file
-/// cannot be written.
-void writeDxf(const std::string& path, const DxfContent& content);
+/// An AutoCAD 2000 DXF drawing (LWPOLYLINE and POINT entities, with the header, tables, blocks
+/// and objects that other readers expect, every object owned), as text. Polylines keep their
+/// elevation and extrusion. Throws std::runtime_error when a number is out of range.
+std::string dxfText(const DxfContent& content);
 
 }  // namespace tarnsysm::tool

@@ -4,16 +4,18 @@
 #include <sys/stat.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <csignal>
 #include <cstring>
-#include <fstream>
 #include <iostream>
 #include <optional>
 #include <sstream>
 
 #include "drawing.h"
 #include "dxf_io.h"
+#include "input_file.h"
 #include "numbers.h"
 #include "offset_job.h"
 #include "output_file.h"
@@ -35,6 +37,8 @@ struct Request {
   std::string side;
   std::string eps = "1e-9";
   bool through = false;
+  std::string corners;
+  bool allLoops = false;
   std::string output;
   std::string svg;
 };
@@ -83,27 +87,19 @@ std::string baseName(const std::string& path) {
 }
 
 Drawing readDrawing(const std::string& path) {
-  struct stat info;
-  if (stat(path.c_str(), &info) != 0) {
-    throw UserError("cannot open '" + path + "': " + std::strerror(errno));
-  }
-  if (S_ISDIR(info.st_mode))
-    throw UserError("cannot read '" + path + "': it is a directory");
-  std::ifstream in(path, std::ios::binary);
-  if (!in)
-    throw UserError("cannot open '" + path + "': " + std::strerror(errno));
-
-  Drawing drawing;
-  const bool text = looksLikeText(in);
-  if (text) {
-    drawing = readText(in, path);
-  } else {
-    in.close();
-    drawing = readDxf(path);
+  const std::string text = readInputFile(path);
+  std::istringstream in(text);
+  const bool isText = looksLikeText(in);
+  Drawing drawing = isText ? readText(in, path) : readDxf(text, path);
+  if (drawing.polylines.empty() && !drawing.leftOut.empty()) {
+    throw UserError("'" + path + "' holds no polyline in the drawing plane, only " +
+                    std::to_string(drawing.leftOut.size()) +
+                    " left out (3D polylines, meshes, tilted planes), the first " +
+                    drawing.leftOut.front());
   }
   if (drawing.polylines.empty()) {
-    throw UserError(text ? "'" + path + "' holds no polyline"
-                         : "'" + path + "' holds no LWPOLYLINE (is it a DXF drawing?)");
+    throw UserError(isText ? "'" + path + "' holds no polyline"
+                           : "'" + path + "' holds no LWPOLYLINE or POLYLINE");
   }
   for (std::size_t i = 0; i < drawing.polylines.size(); ++i) {
     for (const Vertex& v : drawing.polylines[i].vertices) {
@@ -114,6 +110,23 @@ Drawing readDrawing(const std::string& path) {
     }
   }
   return drawing;
+}
+
+// Refuses outputs that would overwrite the input or each other, before anything is read.
+void checkOutputsApart(const std::string& input, const std::optional<OutputFile>& dxf,
+                       const std::optional<OutputFile>& svg) {
+  struct stat info;
+  const bool inputExists = stat(input.c_str(), &info) == 0;
+  for (const auto* out : {&dxf, &svg}) {
+    if (*out && inputExists && (*out)->isFile(info.st_dev, info.st_ino)) {
+      throw UserError("'" + (*out)->name() + "' is the input file '" + input +
+                      "': it would be overwritten (choose another output name)");
+    }
+  }
+  if (dxf && svg && dxf->sameAs(*svg)) {
+    throw UserError("--output '" + dxf->name() + "' and --svg '" + svg->name() +
+                    "' are the same file");
+  }
 }
 
 std::string captionFor(const Request& request, const OffsetOptions& options, std::size_t made,
@@ -158,13 +171,23 @@ int run(const Request& request) {
     options.pick = pickOption(request.pick);
   if (!request.side.empty())
     options.side = sideOption(request.side);
+  options.roundCorners = request.corners == "round";
+  options.allLoops = request.allLoops;
+  if (request.allLoops && request.corners == "sharp")
+    throw UserError(
+        "--all-loops writes the loops of the round-corner offset: not with --corners sharp");
+
+  std::optional<OutputFile> dxfFile;
+  std::optional<OutputFile> svgFile;
+  if (!request.output.empty())
+    dxfFile.emplace(request.output);
+  if (!request.svg.empty())
+    svgFile.emplace(request.svg);
+  checkOutputsApart(request.input, dxfFile, svgFile);
 
   const Drawing drawing = readDrawing(request.input);
-  if (drawing.skipped > 0) {
-    std::cerr << "tarnsysm: warning: left out " << drawing.skipped
-              << " polyline(s) that do not lie in the drawing plane (3D polylines, meshes, "
-                 "tilted planes)\n";
-  }
+  for (const std::string& place : drawing.leftOut)
+    std::cerr << "tarnsysm: warning: left out " << place << "\n";
 
   std::vector<Polyline> offsets;
   std::vector<Point> picks;
@@ -175,7 +198,11 @@ int run(const Request& request) {
     if (outcome.hasPick && !options.usePick)
       picks.push_back(outcome.pick);
     if (outcome.offset) {
-      offsets.push_back(outcome.result);
+      offsets.insert(offsets.end(), outcome.results.begin(), outcome.results.end());
+      if (!outcome.note.empty()) {
+        std::cerr << "tarnsysm: warning: " << describePolyline(drawing.polylines[i], i + 1) << ": "
+                  << outcome.note << "\n";
+      }
     } else {
       std::cerr << "tarnsysm: warning: " << describePolyline(drawing.polylines[i], i + 1)
                 << " not offset: " << outcome.problem << "\n";
@@ -184,49 +211,49 @@ int run(const Request& request) {
   if (options.usePick)
     picks.push_back(options.pick);
 
-  // Every output goes to a temporary file first; they replace their targets together at the
-  // end, so an error leaves no partial file behind.
-  std::optional<PendingFile> dxfFile;
-  std::optional<PendingFile> svgFile;
-  if (!request.output.empty()) {
-    dxfFile.emplace(request.output);
-    if (endsWith(request.output, ".txt")) {
-      std::ofstream out(dxfFile->temporaryPath());
-      writeText(out, offsets);
-      if (!out.flush())
-        throw std::runtime_error("cannot write '" + request.output + "'");
-    } else {
-      writeDxf(dxfFile->temporaryPath(), offsetDrawing(drawing.polylines, offsets, picks));
+  const auto made = static_cast<std::size_t>(std::count(failed.begin(), failed.end(), false));
+  // Every output is made whole in memory first; then direct outputs (devices, standard output)
+  // are written, and last the temporary files replace their targets, so an error leaves no
+  // partial file behind.
+  if (dxfFile) {
+    std::ostringstream text;
+    if (endsWith(request.output, ".txt"))
+      writeText(text, offsets);
+    dxfFile->prepare(endsWith(request.output, ".txt")
+                         ? text.str()
+                         : dxfText(offsetDrawing(drawing.polylines, offsets, picks)));
+  }
+  if (svgFile) {
+    SvgPicture picture{drawing.polylines, failed, offsets, picks,
+                       captionFor(request, options, made, drawing.polylines.size())};
+    std::ostringstream text;
+    writeSvg(text, picture);
+    svgFile->prepare(text.str());
+  }
+  if (!dxfFile && !svgFile) {
+    std::ostringstream text;
+    writeText(text, offsets);
+    dxfFile.emplace("-");
+    dxfFile->prepare(text.str());
+  }
+  for (bool direct : {true, false}) {
+    for (auto* out : {&dxfFile, &svgFile}) {
+      if (*out && (*out)->direct() == direct)
+        (*out)->commit();
     }
   }
-  if (!request.svg.empty()) {
-    svgFile.emplace(request.svg);
-    SvgPicture picture{drawing.polylines, failed, offsets, picks,
-                       captionFor(request, options, offsets.size(), drawing.polylines.size())};
-    std::ofstream out(svgFile->temporaryPath());
-    writeSvg(out, picture);
-    if (!out.flush())
-      throw std::runtime_error("cannot write '" + request.svg + "'");
+  if (!request.output.empty() || !request.svg.empty()) {
+    std::ostream& log = request.output == "-" || request.svg == "-" ? std::cerr : std::cout;
+    log << "tarnsysm: offset " << made << " of " << drawing.polylines.size() << " polylines; wrote";
+    for (const std::string& name : {request.output, request.svg}) {
+      if (!name.empty())
+        log << " " << (name == "-" ? "standard output" : name);
+    }
+    log << "\n";
   }
-  if (dxfFile)
-    dxfFile->commit();
-  if (svgFile)
-    svgFile->commit();
-
-  if (!dxfFile && !svgFile) {
-    writeText(std::cout, offsets);
-  } else {
-    std::cout << "tarnsysm: offset " << offsets.size() << " of " << drawing.polylines.size()
-              << " polylines; wrote";
-    if (dxfFile)
-      std::cout << " " << request.output;
-    if (svgFile)
-      std::cout << " " << request.svg;
-    std::cout << "\n";
-  }
-  return offsets.size() == drawing.polylines.size() ? kExitOk : kExitSomeNotOffset;
+  const bool whole = made == drawing.polylines.size() && drawing.leftOut.empty();
+  return whole ? kExitOk : kExitSomeNotOffset;
 }
-
 }  // namespace
 
 int runCommandLine(int argc, char** argv) {
@@ -234,14 +261,17 @@ int runCommandLine(int argc, char** argv) {
   CLI::App app{"Offsets the polylines of a drawing with the Tarnsysm geometry library.",
                "tarnsysm"};
   app.set_version_flag("--version", TARNSYSM_VERSION);
-  app.require_subcommand(1);
+  // Words the top level does not know are collected and named below: CLI11 would only say
+  // that a subcommand is required.
+  app.allow_extras();
   CLI::App* offset = app.add_subcommand(
       "offset",
       "Offset every polyline of INPUT. Exit status: 0 all offset, 1 some polylines not offset "
       "(a warning names each), 2 error (nothing written).");
   offset
       ->add_option("INPUT", request.input,
-                   "DXF drawing (its LWPOLYLINEs), or text: 'closed N' or 'open N', then N "
+                   "ASCII DXF drawing (its LWPOLYLINEs and 2D POLYLINEs), or text: 'closed N' or "
+                   "'open N', then N "
                    "lines 'x y bulge'")
       ->required();
   CLI::Option* distance =
@@ -255,12 +285,26 @@ int runCommandLine(int argc, char** argv) {
                           ->check(CLI::IsMember({"left", "right", "inside", "outside"}));
   CLI::Option* through = offset->add_flag(
       "--through", request.through, "the offset passes through the --pick point (no --distance)");
-  offset->add_option("-o,--output", request.output,
-                     "write a DXF drawing: input on layer INPUT, offsets on OFFSET, pick points "
-                     "on PICK (a name ending in .txt writes the offsets as text)");
-  offset->add_option("--svg", request.svg, "write an SVG picture of input, offsets and picks");
+  offset
+      ->add_option("--corners", request.corners,
+                   "sharp (default): corners as the segments meet, and round corners only where "
+                   "sharp ones cannot make the offset (a warning says so); round: arcs about "
+                   "the vertices wherever moved segments pull apart")
+      ->check(CLI::IsMember({"sharp", "round"}));
+  offset->add_flag("--all-loops", request.allLoops,
+                   "write every loop of the round-corner offset (as for pocketing), not only the "
+                   "one nearest the pick point");
+  offset->add_option(
+      "-o,--output", request.output,
+      "write a DXF drawing: input on layer INPUT, offsets on OFFSET, pick points "
+      "on PICK (a name ending in .txt writes the offsets as text; - writes to standard "
+      "output)");
+  offset->add_option(
+      "--svg", request.svg,
+      "write an SVG picture of input, offsets and picks (- writes to standard output)");
   offset->add_option("--eps", request.eps,
                      "tolerance in drawing units passed to the library (default 1e-9)");
+  offset->allow_extras(false);
   pick->excludes(side);
   through->needs(pick);
   through->excludes(distance);
@@ -278,6 +322,18 @@ int runCommandLine(int argc, char** argv) {
               << (offset->parsed() ? " offset" : "") << " --help)\n";
     return kExitError;
   }
+  if (!offset->parsed()) {
+    const auto extras = app.remaining();
+    const std::string word = extras.empty() ? "" : extras.front();
+    std::cerr << "tarnsysm: error: "
+              << (word.empty()          ? std::string("no command given")
+                  : word.front() == '-' ? "unknown option '" + word + "'"
+                                        : "unknown command '" + word + "'")
+              << " (the command is 'tarnsysm offset', see tarnsysm --help)\n";
+    return kExitError;
+  }
+  // A closed pipe on an output is an error to report, not a signal to die of.
+  std::signal(SIGPIPE, SIG_IGN);
 
   try {
     return run(request);

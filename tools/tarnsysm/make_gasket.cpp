@@ -2,6 +2,7 @@
 // A flat gasket in millimetres, drawn with the material on the left of travel (outline
 // counter-clockwise, holes clockwise), so `--side right` moves every curve off the material.
 #include <cmath>
+#include <fstream>
 #include <iostream>
 
 #include "dxf_io.h"
@@ -82,7 +83,10 @@ int main(int argc, char** argv) {
                                        {15.0, -30.0, 0.0}}));
 
   try {
-    tarnsysm::tool::writeDxf(argv[1], gasket);
+    std::ofstream out(argv[1], std::ios::binary);
+    out << tarnsysm::tool::dxfText(gasket);
+    if (!out.flush())
+      throw std::runtime_error(std::string("cannot write ") + argv[1]);
   } catch (const std::exception& e) {
     std::cerr << "tarnsysm_make_gasket: " << e.what() << "\n";
     return 2;
