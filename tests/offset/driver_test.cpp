@@ -181,24 +181,13 @@ TEST(OffsetStepLimit, moved_segment_vanishes_at_the_limit) {
   }
 }
 
-// Rows are (x, y, bulge, field 3, field 4) expected after BuildOffsetPLine; NaN: not checked.
-void expectRows(Polyline& pl, const std::vector<std::vector<double>>& want, const char* name) {
-  for (size_t i = 0; i < want.size(); ++i) {
-    for (size_t f = 0; f < want[i].size(); ++f) {
-      EXPECT_TRUE(std::isnan(want[i][f]) ||
-                  std::fabs(pl[static_cast<int>(i)][f] - want[i][f]) <= 1e-12)
-          << name << " row " << i << " field " << f << ": " << pl[static_cast<int>(i)][f];
-    }
-  }
-}
-
 TEST(BuildOffsetPLine, bridges_where_moved_segments_part) {
   const double nan = std::nan("");
   // Out to (10, 0) and back, moved right by 1: a half circle round the tip; its first row is
   // inserted (-1), the second is the corner's own.
   Polyline back({{0, 0, 0}, {10, 0, 0}, {0, 0, 0}});
   ASSERT_EQ(BuildOffsetPLine(kEps, 1.0, 0, 3, back.rows()), 4);
-  expectRows(back,
+  expectRows(back, false,
              {{0, -1, 0, 100, 200}, {10, -1, 1, -1, 201}, {10, 1, 0, 101, 201}, {0, 1, nan, 102}},
              "reversal");
   // A counter-clockwise quarter arc about (0, 0), radius 2, into a clockwise one about
@@ -210,7 +199,8 @@ TEST(BuildOffsetPLine, bridges_where_moved_segments_part) {
   ASSERT_EQ(AAOffset(kEps, 0.4, 2, 0, 0, 2, 1, 2, kQuarter, -kQuarter, &ox, &oy, &t1, &t2), 0);
   ASSERT_EQ(BuildOffsetPLine(kEps, 0.4, 0, 3, arcs.rows()), 4);
   const double r2 = std::sqrt(0.5) - 0.4, k = r2 * std::sqrt(0.5);
-  expectRows(arcs, {{2.4, 0, kQuarter}, {0, 2.4, nan, -1, 201}, {0.5 - k, 1.5 + k, -kQuarter, 101}},
+  expectRows(arcs, false,
+             {{2.4, 0, kQuarter}, {0, 2.4, nan, -1, 201}, {0.5 - k, 1.5 + k, -kQuarter, 101}},
              "arc_arc");
   EXPECT_EQ(std::fabs(arcs[1][2]), 1.0);
 }
@@ -228,7 +218,7 @@ TEST(BuildOffsetPLine, never_writes_a_row_it_still_has_to_read) {
 }
 
 // Whole offsets against areas worked out by hand (counter-clockwise positive; NaN: open), each
-// result also passing the offset checker at the picked side.
+// result also passing the offset checker at the picked side; sharp corners keep their rows.
 TEST(PLineOffset, results_from_the_geometry) {
   struct Row {
     const char* name;
@@ -239,34 +229,48 @@ TEST(PLineOffset, results_from_the_geometry) {
     double dist;
     int count, closedAfter;
     double area;
+    std::vector<std::vector<double>> want;  // rows, see expectRows
   };
   const auto rounded = [](double w, double h, double r) { return w * h - (4.0 - kPi) * r * r; };
   const Rows sq = rectangle(0, 0, 10, 10), rect = rectangle(0, 0, 20, 10);
   const Rows rrect = roundedRectangle(200, 100, 20), segment = {{0, 0, 0}, {10, 0, 0}};
   const double nan = std::nan("");
   const Row rows[] = {
-      {"square_inwards", sq, 1, 5, 5, 0, 1, 4, 1, 64},
-      {"square_outwards_keeps_sharp_corners", sq, 1, 12, 5, 0, 1, 4, 1, 144},
-      {"square_inwards_nearly_to_its_centre", sq, 1, 5, 5, 0, 4.5, 4, 1, 1},
-      {"square_inwards_past_its_centre", sq, 1, 5, 4, 0, 6, 0, 1, 0},
-      {"square_through_the_pick_2_off_its_side", sq, 1, 5, 2, 1, 2, 4, 1, 36},
-      {"pick_on_the_polyline", sq, 1, 4, 0, 0, 1, 0, 1, 0},
-      {"clockwise_square_inwards", reversedClosed(sq), 1, 5, 5, 0, 2, 4, 1, -36},
-      {"rectangle_inwards", rect, 1, 10, 5, 0, 2, 4, 1, 96},
-      {"rectangle_outwards", rect, 1, 30, 5, 0, 3, 4, 1, 26 * 16},
-      {"rectangle_inwards_to_its_midline", rect, 1, 5, 4, 0, 5, 2, 0, nan},
-      {"rectangle_inwards_past_its_midline", rect, 1, 5, 4, 0, 6, 0, 1, 0},
-      {"circle_outwards", circleOfTwoArcs(1, 2, 5), 1, 1, 9, 0, 1, 2, 1, kPi * 36},
-      {"circle_inwards", circleOfTwoArcs(1, 2, 5), 1, 1, 3, 0, 2, 2, 1, kPi * 9},
-      {"circle_inwards_to_its_centre", circleOfTwoArcs(0, 0, 5), 1, 0, 1, 0, 5, 0, 1, 0},
-      {"rounded_rectangle_inwards", rrect, 1, 0, 0.5, 0, 5, 8, 1, rounded(190, 90, 15)},
-      {"rounded_rectangle_outwards", rrect, 1, 0, -51, 0, 5, 8, 1, rounded(210, 110, 25)},
-      {"rounded_rectangle_inwards_past_its_corners", rrect, 1, 0, 0.5, 0, 30, 4, 1, 140 * 40},
-      {"lens_inwards", kLens, 1, 0, 1, 0, 3.5, 2, 1, nan},
-      {"lens_inwards_past_its_collapse", kLens, 1, 0, 1, 0, 4.5, 0, 1, 0},
-      {"single_segment", segment, 0, 3, 1, 0, 2, 2, 0, nan},
-      {"doubled_line_by_nothing_opens", segment, 1, 3, 1, 0, 0, 2, 0, nan},
-      {"doubled_line_becomes_a_stadium", segment, 1, 3, 1, 0, 1, 4, 1, -(20 + kPi)},
+      {"square_inwards", sq, 1, 5, 5, 0, 1, 4, 1, 64, {}},
+      {"square_outwards_keeps_sharp_corners_and_their_attributes",
+       sq,
+       1,
+       12,
+       5,
+       0,
+       1,
+       4,
+       1,
+       144,
+       {{-1, -1, 0, 100, 200},
+        {11, -1, 0, 101, 201},
+        {11, 11, 0, 102, 202},
+        {-1, 11, 0, 103, 203}}},
+      {"square_inwards_nearly_to_its_centre", sq, 1, 5, 5, 0, 4.5, 4, 1, 1, {}},
+      {"square_inwards_past_its_centre", sq, 1, 5, 4, 0, 6, 0, 1, 0, {}},
+      {"square_through_the_pick_2_off_its_side", sq, 1, 5, 2, 1, 2, 4, 1, 36, {}},
+      {"pick_on_the_polyline", sq, 1, 4, 0, 0, 1, 0, 1, 0, {}},
+      {"clockwise_square_inwards", reversedClosed(sq), 1, 5, 5, 0, 2, 4, 1, -36, {}},
+      {"rectangle_inwards", rect, 1, 10, 5, 0, 2, 4, 1, 96, {}},
+      {"rectangle_outwards", rect, 1, 30, 5, 0, 3, 4, 1, 26 * 16, {}},
+      {"rectangle_inwards_to_its_midline", rect, 1, 5, 4, 0, 5, 2, 0, nan, {}},
+      {"rectangle_inwards_past_its_midline", rect, 1, 5, 4, 0, 6, 0, 1, 0, {}},
+      {"circle_outwards", circleOfTwoArcs(1, 2, 5), 1, 1, 9, 0, 1, 2, 1, kPi * 36, {}},
+      {"circle_inwards", circleOfTwoArcs(1, 2, 5), 1, 1, 3, 0, 2, 2, 1, kPi * 9, {}},
+      {"circle_inwards_to_its_centre", circleOfTwoArcs(0, 0, 5), 1, 0, 1, 0, 5, 0, 1, 0, {}},
+      {"rounded_rectangle_inwards", rrect, 1, 0, 0.5, 0, 5, 8, 1, rounded(190, 90, 15), {}},
+      {"rounded_rectangle_outwards", rrect, 1, 0, -51, 0, 5, 8, 1, rounded(210, 110, 25), {}},
+      {"rounded_rectangle_inwards_past_its_corners", rrect, 1, 0, 0.5, 0, 30, 4, 1, 140 * 40, {}},
+      {"lens_inwards", kLens, 1, 0, 1, 0, 3.5, 2, 1, nan, {}},
+      {"lens_inwards_past_its_collapse", kLens, 1, 0, 1, 0, 4.5, 0, 1, 0, {}},
+      {"single_segment", segment, 0, 3, 1, 0, 2, 2, 0, nan, {}},
+      {"doubled_line_by_nothing_opens", segment, 1, 3, 1, 0, 0, 2, 0, nan, {}},
+      {"doubled_line_becomes_a_stadium", segment, 1, 3, 1, 0, 1, 4, 1, -(20 + kPi), {}},
   };
   for (const Row& r : rows) {
     Polyline pl(r.rows);
@@ -282,23 +286,13 @@ TEST(PLineOffset, results_from_the_geometry) {
     EXPECT_TRUE(std::isnan(r.area) ||
                 std::fabs(signedArea(pl.first(n)) - r.area) <= 1e-9 * (1 + std::fabs(r.area)))
         << r.name << " area " << signedArea(pl.first(n));
+    expectRows(pl, false, r.want, r.name);
     // A doubled line has no side; through the pick the distance is the pick's own.
     const int side = sideOf(r.rows, r.closed, r.px, r.py);
     EXPECT_EQ(side == 0 ? "" : offsetValidity(r.rows, r.closed, pl.first(n), closed, side * r.dist),
               "")
         << r.name;
   }
-}
-
-TEST(PLineOffset, sharp_corners_keep_the_attributes_of_their_rows) {
-  Polyline sq(rectangle(0, 0, 10, 10));
-  int closed = 1;
-  double pick[2] = {20, 5};
-  ASSERT_EQ(PLineOffset(kEps, &closed, 4, sq.rows(), 0, pick, 1.0), 4);
-  expectRows(
-      sq,
-      {{-1, -1, 0, 100, 200}, {11, -1, 0, 101, 201}, {11, 11, 0, 102, 202}, {-1, 11, 0, 103, 203}},
-      "square");
 }
 
 TEST(PLineOffset, reversed_polyline_gives_the_reversed_result) {
