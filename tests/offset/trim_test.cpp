@@ -226,6 +226,10 @@ TEST(TrimLoopS, offset_steps_never_keep_a_loop_running_the_other_way) {
   int closed = 1;
   double pick[2] = {5, 5};
   EXPECT_EQ(tarnsysm::detail::trimStepLoops(kEps, pick, &closed, 4, sq.rows(), 1.0), 0);
+  // No rows: nothing kept, by either of the internal trimming entries.
+  tarnsysm::detail::TrimMeasure measure;
+  EXPECT_EQ(tarnsysm::detail::trimStepLoops(kEps, pick, &closed, 0, sq.rows(), 1.0), 0);
+  EXPECT_EQ(tarnsysm::detail::trimLoopsAndMeasure(kEps, pick, &closed, 0, sq.rows(), &measure), 0);
 }
 
 TEST(TrimLoopS, bad_input_and_memory_running_out) {
