@@ -1,5 +1,7 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
-// Benchmarks of PLineOffset on the shared test shapes (circle, gear, rounded rectangle, star).
+// Benchmarks of PLineOffset on the shared test shapes (circle, gear, rounded rectangle, star), and
+// of TrimLoopS and PLineOffset on shapes that once made the trimming quadratic (a zigzag on one
+// line, a spiky star).
 //
 // Each case offsets one closed shape of N vertices by a fixed distance to one side, the side
 // given by a pick point clearly on it, as an interactive offset would. Report medians of
@@ -23,6 +25,8 @@
 namespace {
 
 using tarnsysm::bench::makeShape;
+using tarnsysm::bench::makeSpikyStar;
+using tarnsysm::bench::makeZigzag;
 using tarnsysm::bench::pickPoint;
 using tarnsysm::bench::ShapeKind;
 using tarnsysm::bench::shapeName;
@@ -119,8 +123,65 @@ const OffsetCase kCases[] = {
     {ShapeKind::kStar, Side::kInward, 10.0, {1000, 10000}},
 };
 
+// ---- Hostile shapes ---------------------------------------------------------------------------
+
+enum class Call { kTrim, kOffset };
+
+struct HostileCase {
+  const char* name;
+  std::vector<ShapeVertex> (*make)(int);
+  int closed;
+  Call call;
+  double pick[2];
+  double distance;
+  std::vector<int> sizes;
+};
+
+void runHostile(benchmark::State& state, const HostileCase* c) {
+  const int n = static_cast<int>(state.range(0));
+  const std::vector<ShapeVertex> shape = c->make(n);
+  std::unique_ptr<double[][5]> source(new double[2 * static_cast<std::size_t>(n)][5]());
+  std::unique_ptr<double[][5]> rows(new double[2 * static_cast<std::size_t>(n)][5]());
+  fillRows(shape, source.get());
+  double pick[2] = {c->pick[0], c->pick[1]};
+  int result = 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::memcpy(rows.get(), source.get(), sizeof(double[5]) * static_cast<std::size_t>(n));
+    int closed = c->closed;
+    state.ResumeTiming();
+
+    result = c->call == Call::kTrim
+                 ? TrimLoopS(kEps, pick, &closed, n, rows.get())
+                 : PLineOffset(kEps, &closed, n, rows.get(), 0, pick, c->distance);
+    benchmark::DoNotOptimize(result);
+    benchmark::ClobberMemory();
+  }
+  state.counters["rows"] = result;
+}
+
+// The zigzag's pick (2, 0) lies on its line beyond the turn at x = 1: the only point from which
+// a turn is visible, so the offset goes ahead and bridges every turn with a half circle. From
+// (0.5, 1) every turn is hidden behind another segment ending there and the offset fails after
+// the first trim. The spiky star is offset outwards, from a pick well outside it, and inwards,
+// from its centre.
+const HostileCase kHostile[] = {
+    {"trim/zigzag", makeZigzag, 1, Call::kTrim, {0.5, 1.0}, 0.0, {16000, 100000}},
+    {"offset/zigzag/hidden/0.3", makeZigzag, 1, Call::kOffset, {0.5, 1.0}, 0.3, {16000, 100000}},
+    {"offset/zigzag/beyond/0.5", makeZigzag, 0, Call::kOffset, {2.0, 0.0}, 0.5, {16000, 100000}},
+    {"trim/spiky", makeSpikyStar, 1, Call::kTrim, {0.0, 0.0}, 0.0, {8000, 100000}},
+    {"offset/spiky/outward/5", makeSpikyStar, 1, Call::kOffset, {300.0, 0.1}, 5.0, {8000, 100000}},
+    {"offset/spiky/inward/5", makeSpikyStar, 1, Call::kOffset, {0.0, 0.0}, 5.0, {8000, 100000}},
+};
+
 // Names read like the measurement table: offset/circle/outward/1/10000.
 void registerCases() {
+  for (const HostileCase& c : kHostile) {
+    benchmark::internal::Benchmark* b = benchmark::RegisterBenchmark(c.name, runHostile, &c);
+    for (int n : c.sizes)
+      b->Arg(n);
+    b->ArgName("N")->Unit(benchmark::kMillisecond);
+  }
   for (const OffsetCase& c : kCases) {
     std::string distance = std::to_string(c.distance);
     distance.erase(distance.find_last_not_of('0') + 1);

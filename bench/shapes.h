@@ -1,5 +1,6 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
-// The closed test polylines of the offset measurements (circle, star, gear, rounded rectangle).
+// The test polylines of the offset measurements: the shared shapes (circle, star, gear, rounded
+// rectangle) and two hostile ones (a zigzag on one line, a spiky star).
 #pragma once
 
 // These are the shapes that the project's shared measurement script writes as text, built here
@@ -173,6 +174,28 @@ inline std::string shapeName(ShapeKind kind) {
       return "rrect";
   }
   return "";
+}
+
+// ---- Shapes that once made the trimming quadratic (not written by the script) ---------------
+
+/// zigzag N (N >= 2): rows running back and forth along one line, x = i mod 2, y = 0, all
+/// straight. Every segment overlaps every other one.
+inline std::vector<ShapeVertex> makeZigzag(int n) {
+  if (n < 2)
+    throw std::invalid_argument("zigzag needs N >= 2");
+  std::vector<ShapeVertex> rows;
+  rows.reserve(static_cast<std::size_t>(n));
+  for (int i = 0; i < n; ++i)
+    rows.push_back({static_cast<double>(i % 2), 0.0, 0.0});
+  return rows;
+}
+
+/// spiky N (N even, >= 6): the star's tips at radius 100 and notches at 50, all segments
+/// straight: long slanted spokes packed tightly round the centre. Size 100.
+inline std::vector<ShapeVertex> makeSpikyStar(int n) {
+  if (n < 6 || n % 2 != 0)
+    throw std::invalid_argument("spiky needs an even N >= 6");
+  return shape_detail::radialVertices(n, 100.0, 50.0, 0.0, 0.0);
 }
 
 /// Which side of a shape an offset goes to.

@@ -31,8 +31,12 @@ def seed(rows, closed=True, pick=(0.0, 0.0), dist=1.0, through=False, trim=False
     count = len(rows) if n is None else n
     flags = (1 if closed else 0) | (2 if closed and closed_as != 1 else 0)
     flags |= (4 if through else 0) | (8 if trim else 0)
-    flags |= TOLERANCES.index(eps) << 4
-    out = bytes([(count + 1) % 66, flags]) + value(pick[0]) + value(pick[1]) + value(dist)
+    # A tolerance outside the table (eps = 0) is written as a value of its own.
+    flags |= (TOLERANCES.index(eps) if eps in TOLERANCES else 7) << 4
+    out = bytes([(count + 1) % 66, flags])
+    if eps not in TOLERANCES:
+        out += value(eps)
+    out += value(pick[0]) + value(pick[1]) + value(dist)
     for x, y, b in rows:
         out += value(x) + value(y) + value(b)
     return out
@@ -54,6 +58,19 @@ def star(n, outer, inner):
         rows.append((r * math.cos(a), r * math.sin(a), 0.0 if i % 2 == 0 else 0.2))
     return rows
 
+
+def zigzag(n):
+    return [(float(i % 2), 0.0, 0.0) for i in range(n)]
+
+
+# A half circle inserted where the first moved arc shrinks to a point leads the result.
+BRIDGE_FIRST = [(5.990407496782505, -3.557091504054636, -0.3679940733115682),
+                (6.293942137999557, -5.159163653612389, 0.0),
+                (4.331777934844769, -9.34324305858366, -0.4404229002266613),
+                (-2.1338456592191726, -12.54540648803549, 0.0),
+                (-5.370830288728458, -11.868416056265243, 0.0),
+                (0.2960317792457432, 5.0580646295327805, 0.0),
+                (4.687667963608581, 2.9294899972911725, 0.0)]
 
 SEEDS = {
     "square_inward": seed(SQUARE, pick=(5.0, 5.0), dist=2.0),
@@ -86,6 +103,16 @@ SEEDS = {
     "negative_count": seed([], n=-1, pick=(1.0, 1.0)),
     "single_row": seed(SQUARE[:1], pick=(1.0, 1.0)),
     "two_rows_open": seed(SQUARE[:2], closed=False, pick=(5.0, 3.0), dist=1.0),
+    "three_rows_nan_bulge": seed([(0.0, 0.0, "nan"), (10.0, 0.0, "nan"), (5.0, 8.0, "nan")],
+                                 pick=(5.0, 3.0), dist=1.0),
+    "square_eps_zero": seed(SQUARE, pick=(5.0, 5.0), dist=1.0, eps=0.0),
+    "negative_count_closed_7": seed([], n=-1, closed_as=7, pick=(1.0, 1.0)),
+    "zigzag_trim": seed(zigzag(64), pick=(0.5, 1.0), trim=True),
+    "zigzag_beyond_turn": seed(zigzag(64), closed=False, pick=(2.0, 0.0), dist=0.5),
+    "spiky_star_outward": seed([(x, y, 0.0) for x, y, _ in star(64, 100.0, 50.0)],
+                               pick=(300.0, 0.1), dist=5.0),
+    "bridge_row_first": seed(BRIDGE_FIRST, closed=False, through=True,
+                             pick=(0.7542533573819346, 0.4088000195373258)),
 }
 
 

@@ -16,8 +16,7 @@
 //   - nothing is written past the caller's room (2n rows for PLineOffset, n for TrimLoopS): the
 //     buffer is followed by sentinel rows, poisoned under AddressSanitizer so reads trap too;
 //   - the result is in range (PLineOffset: 0 or 2 .. 2n; TrimLoopS: at most n) and the closed
-//     flag is 0 or 1 (TrimLoopS, and PLineOffset without rows, may also leave the caller's
-//     value);
+//     flag is 0 or 1 (TrimLoopS may also leave the caller's value);
 //   - result rows carry the caller's attributes (field 3 = -1.0 on inserted rows);
 //   - result rows are finite when every input was finite and of moderate size;
 //   - a PLineOffset result of moderate input keeps its distance: no nearer the polyline (as the
@@ -162,9 +161,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(rows.guardIntact(), "PLineOffset wrote past the caller's 2n rows");
     require(result == 0 || (result >= 2 && result <= 2 * n),
             "PLineOffset result outside 0 and 2 .. 2n");
-    // Without rows the call returns 0 at once and may leave the flag as it was given.
-    require(closed == 0 || closed == 1 || (n < 1 && closed == closedFlag),
-            "PLineOffset left a closed flag other than 0 or 1");
+    require(closed == 0 || closed == 1, "PLineOffset left a closed flag other than 0 or 1");
     if (result > 0 && moderate && eps <= 1e-4)
       require(keepsDistance(eps, closedFlag != 0, n, source.get(), pick, through, dist, closed, v,
                             result),

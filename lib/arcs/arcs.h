@@ -12,7 +12,9 @@
 /// of the counter-clockwise sweep that covers it, with ea >= sa - eps (ea may exceed 2 pi). For a
 /// clockwise bulge the angles are swapped (sa belongs to the end vertex): keep the bulge's sign to
 /// know the direction. Returns 1; a chord shorter than eps or a bulge whose half-angle sine is
-/// within eps of 0 returns 0 and writes cx = x1, cy = y1, r = sa = ea = 0 (treat it as straight).
+/// within eps of 0 (or exactly 0, whatever eps is) returns 0 and writes cx = x1, cy = y1,
+/// r = sa = ea = 0 (treat it as straight); so does input whose circle is not finite (not a
+/// number, or overflowing).
 TARNSYSM_API int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double bulge,
                              double* cx, double* cy, double* r, double* sa, double* ea);
 
@@ -34,9 +36,10 @@ TARNSYSM_API void get_arc_box(double eps, double* centre, double r, double sa, d
 ///   8: double rad, double* q - 0 when the chord p-q is longer than the diameter 2 rad (so any
 ///      negative rad fails);
 ///   9: double* q, double* w - 0 when p, q, w are collinear (twice the triangle's area within
-///      eps, unscaled).
+///      eps, unscaled, formed from the differences to p: points on one line give exactly 0 even
+///      far from the origin).
 /// Kinds 3, 4, 5 and unknown kinds return 1 and read no further argument. Input that is not a
-/// number fails every check.
+/// number, eps included, fails every check.
 TARNSYSM_API int PL_TestVertex(int kind, double eps, double* p, ...);
 
 /// Bulge and end direction of a new arc segment from p1 to p2 that continues the segment from p0
@@ -50,7 +53,8 @@ TARNSYSM_API int PL_Arc_PBPP(double eps, double* p0, double bulge, double* p1, d
 // Each member writes the centre (centre[0..1]), the radius where it has one, and the angles sa,
 // ea of the counter-clockwise sweep that is the arc, with ea >= sa - eps (ea may exceed 2 pi).
 // When the user's arc runs clockwise from its start point, sa belongs to the end point and ea to
-// the start point; the flag tells. Returns 1 when built, 0 (outputs untouched) when impossible.
+// the start point; the flag tells. Returns 1 when built, 0 (outputs untouched) when impossible,
+// which includes every input whose arc would not be finite (not a number, or overflowing).
 
 /// Arc from p1 through p2 to p3. flag -1: counter-clockwise, sa at p1; 1: clockwise, angles
 /// swapped (sa at p3). Returns 0 when p2 or p3 is within eps of p1 or the three points are
@@ -79,7 +83,7 @@ TARNSYSM_API int DArcStpStaEdp(double eps, double* stp, double sta, double* edp,
 /// [-2 pi - eps, 2 pi + eps]), radius rad, and chord direction dir from stp to the end point.
 /// flag -1 / 1: counter-clockwise / clockwise up to a half circle; -2 / 2: more than a half
 /// circle. sa is in [-eps, 2 pi) for counter-clockwise arcs; for clockwise ones ea is the start
-/// point's angle, raised until sa >= -eps. Always returns 1.
+/// point's angle, raised until sa >= -eps. Returns 1 for any finite arc.
 TARNSYSM_API int DArcStpInaRadDir(double eps, double* stp, double ina, double rad, double dir,
                                   double* centre, double* sa, double* ea, short* flag);
 
@@ -94,6 +98,8 @@ TARNSYSM_API int DArcStpRadEdp(double eps, double* stp, double rad, double* edp,
 // direction of travel at the segment's end, in [-eps, 2 pi), the next segment's start direction.
 // They trust their input; check it with PL_TestVertex first. Some write the end point into one
 // of the caller's input arrays, as part of their interface: pass a scratch copy to keep it.
+// None reports success with an output that is not a finite number: where the input gives one
+// (not a number, overflow, collinear points), the member returns 0 and writes nothing.
 
 /// Segment from stp leaving in direction sta and ending at edp. Returns 0 and writes nothing when
 /// edp lies on the start tangent line (ahead or behind); otherwise 1.
@@ -143,6 +149,7 @@ TARNSYSM_API int PL_StpRadEdp(double eps, double* stp, double rad, double* edp, 
                               double* endDir);
 
 /// Segment from p1 through p2 to p3 (counter-clockwise or clockwise as the points run). The
-/// points must not be collinear (PL_TestVertex kind 9). Returns 1.
+/// points must not be collinear (PL_TestVertex kind 9): collinear points have no finite centre
+/// and return 0, writing nothing. Returns 1.
 TARNSYSM_API int PL_3points(double eps, double* p1, double* p2, double* p3, double* bulge,
                             double* endDir);

@@ -2,6 +2,7 @@
 // Bulge segments as arcs, and arc extents. PL_ArcParam is the library's definition of a bulge:
 // its centre side, its angle order for clockwise bulges and its degenerate outputs.
 #include "arcs/arcs.h"
+#include "arcs/internal.h"
 #include "primitives/internal.h"
 #include "primitives/primitives.h"
 
@@ -37,8 +38,8 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
     theta = kTwoPi - theta;
   }
   const double h = std::sin(theta / 2.0);
-  // A zero bulge, or a chord that is a full turn.
-  if (withinOpen(h, eps) || std::isnan(h))
+  // A zero bulge, or a chord that is a full turn; exactly 0 is straight whatever eps is.
+  if (h == 0.0 || withinOpen(h, eps) || std::isnan(h))
     return degenerate();
   const double radius = (0.5 / h) * chord;
 
@@ -60,6 +61,9 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
   }
   if (start - eps > end)
     end += kTwoPi;
+  // Overflowing input (a chord beyond the largest double) gives no usable circle either.
+  if (!allFinite({ccx, ccy, radius, start, end}))
+    return degenerate();
   *cx = ccx;
   *cy = ccy;
   *r = radius;

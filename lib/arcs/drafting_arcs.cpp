@@ -37,9 +37,26 @@ TangentStartArc tangentStartArc(double eps, double a, double phi) {
   return {turnsClockwise(eps, a, phi), foldedTangentChordAngle(eps, phi, a)};
 }
 
-void writeTangentStartArc(double eps, const double* stp, const double* edp, double a,
-                          bool clockwise, double r, double* centre, double* radius, double* sa,
-                          double* ea, short* flag) {
+// Writes an arc's centre, radius (when radius is not null), angles and flag, and returns 1, only
+// when all of them are finite numbers; otherwise returns 0 and writes nothing.
+int writeArc(double cx, double cy, double r, double start, double end, short flagValue,
+             double* centre, double* radius, double* sa, double* ea, short* flag) {
+  if (!allFinite({cx, cy, r, start, end}))
+    return 0;
+  centre[0] = cx;
+  centre[1] = cy;
+  if (radius)
+    *radius = r;
+  *sa = start;
+  *ea = end;
+  if (flag)
+    *flag = flagValue;
+  return 1;
+}
+
+int writeTangentStartArc(double eps, const double* stp, const double* edp, double a, bool clockwise,
+                         double r, double* centre, double* radius, double* sa, double* ea,
+                         short* flag) {
   double cx = 0.0;
   double cy = 0.0;
   double start = 0.0;
@@ -56,12 +73,7 @@ void writeTangentStartArc(double eps, const double* stp, const double* edp, doub
     end = directionBetween(eps, cx, cy, edp[0], edp[1]);
   }
   liftEndAboveStart(eps, start, end);
-  centre[0] = cx;
-  centre[1] = cy;
-  *radius = r;
-  *sa = start;
-  *ea = end;
-  *flag = clockwise ? 1 : -1;
+  return writeArc(cx, cy, r, start, end, clockwise ? 1 : -1, centre, radius, sa, ea, flag);
 }
 
 }  // namespace
@@ -95,13 +107,7 @@ int DArcParam3P(double eps, double* p1, double* p2, double* p3, double* centre, 
     end = t;
   }
   liftEndAboveStart(eps, start, end);
-  centre[0] = cx;
-  centre[1] = cy;
-  *r = radius;
-  *sa = start;
-  *ea = end;
-  *flag = clockwise ? 1 : -1;
-  return 1;
+  return writeArc(cx, cy, radius, start, end, clockwise ? 1 : -1, centre, r, sa, ea, flag);
 }
 
 int DArcStpEdpIna(double eps, double* stp, double* edp, double ina, double* centre, double* r,
@@ -140,13 +146,7 @@ int DArcStpEdpIna(double eps, double* stp, double* edp, double ina, double* cent
     start = end - ina;
   }
   liftEndAboveStart(eps, start, end);
-  centre[0] = cx;
-  centre[1] = cy;
-  *r = radius;
-  *sa = start;
-  *ea = end;
-  *flag = side;
-  return 1;
+  return writeArc(cx, cy, radius, start, end, side, centre, r, sa, ea, flag);
 }
 
 int DArcStpEdpDir(double eps, double* stp, double* edp, double dir, double* centre, double* r,
@@ -162,8 +162,7 @@ int DArcStpEdpDir(double eps, double* stp, double* edp, double dir, double* cent
   // The radius starts as the chord and is scaled by the half-angle sine; there is no sine test.
   double radius = std::sqrt(square(edp[0] - stp[0]) + square(edp[1] - stp[1]));
   radius *= 0.5 / std::sin(arc.delta / 2.0);
-  writeTangentStartArc(eps, stp, edp, a, arc.clockwise, radius, centre, r, sa, ea, flag);
-  return 1;
+  return writeTangentStartArc(eps, stp, edp, a, arc.clockwise, radius, centre, r, sa, ea, flag);
 }
 
 int DArcStpStaEdp(double eps, double* stp, double sta, double* edp, double* centre, double* r,
@@ -179,8 +178,8 @@ int DArcStpStaEdp(double eps, double* stp, double sta, double* edp, double* cent
   if (withinOpen(h, eps) || std::isnan(h))
     return 0;  // the end point straight behind
   const double chord = std::sqrt(square(edp[0] - stp[0]) + square(edp[1] - stp[1]));
-  writeTangentStartArc(eps, stp, edp, a, arc.clockwise, 0.5 * chord / h, centre, r, sa, ea, flag);
-  return 1;
+  return writeTangentStartArc(eps, stp, edp, a, arc.clockwise, 0.5 * chord / h, centre, r, sa, ea,
+                              flag);
 }
 
 int DArcStpInaRadDir(double eps, double* stp, double ina, double rad, double dir, double* centre,
@@ -200,12 +199,8 @@ int DArcStpInaRadDir(double eps, double* stp, double ina, double rad, double dir
     start = end - arc.sweep;
   }
   liftEndAboveStart(eps, start, end);
-  centre[0] = stp[0] - rad * std::cos(arc.beta);
-  centre[1] = stp[1] - rad * std::sin(arc.beta);
-  *sa = start;
-  *ea = end;
-  *flag = arc.flag;
-  return 1;
+  return writeArc(stp[0] - rad * std::cos(arc.beta), stp[1] - rad * std::sin(arc.beta), rad, start,
+                  end, arc.flag, centre, nullptr, sa, ea, flag);
 }
 
 int DArcStpRadEdp(double eps, double* stp, double rad, double* edp, double* centre, double* sa,
@@ -220,9 +215,6 @@ int DArcStpRadEdp(double eps, double* stp, double rad, double* edp, double* cent
   const double start = phi - theta / 2.0 + 3.0 * kHalfPi;
   double end = start + theta;
   liftEndAboveStart(eps, start, end);
-  centre[0] = stp[0] - rad * std::cos(start);
-  centre[1] = stp[1] - rad * std::sin(start);
-  *sa = start;
-  *ea = end;
-  return 1;
+  return writeArc(stp[0] - rad * std::cos(start), stp[1] - rad * std::sin(start), rad, start, end,
+                  0, centre, nullptr, sa, ea, nullptr);
 }

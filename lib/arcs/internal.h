@@ -6,8 +6,19 @@
 #include "primitives/internal.h"
 
 #include <cmath>
+#include <initializer_list>
 
 namespace tarnsysm::detail {
+
+/// True when every value is a finite number. A construction reports success only with finite
+/// outputs: input that is not a number, or that overflows on the way, makes it fail instead.
+inline bool allFinite(std::initializer_list<double> values) {
+  for (double v : values) {
+    if (!std::isfinite(v))
+      return false;
+  }
+  return true;
+}
 
 /// Does an arc that leaves the start point in direction `a` (reduced into one turn) and reaches a
 /// point in chord direction `phi` turn clockwise? Clockwise when the chord lies to the right of

@@ -19,6 +19,25 @@ double travelDirection(double eps, double radial, bool counterClockwise) {
   return dir;
 }
 
+// Writes a segment's bulge and end direction, and returns 1, only when both are finite numbers.
+int writeSegment(double b, double dir, double* bulge, double* endDir) {
+  if (!allFinite({b, dir}))
+    return 0;
+  *bulge = b;
+  *endDir = dir;
+  return 1;
+}
+
+// writeSegment that also writes an end point into the caller's array, or nothing at all.
+int writeSegmentEnd(double x, double y, double* point, double b, double dir, double* bulge,
+                    double* endDir) {
+  if (!allFinite({x, y}) || !writeSegment(b, dir, bulge, endDir))
+    return 0;
+  point[0] = x;
+  point[1] = y;
+  return 1;
+}
+
 }  // namespace
 
 int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, double* bulge, double* endDir) {
@@ -51,15 +70,13 @@ int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, double* bulge
   double sweep = clockwise ? alpha1 - alpha2 : alpha2 - alpha1;
   if (sweep < -eps)
     sweep += kTwoPi;
-  *bulge = clockwise ? -std::tan(sweep / 4.0) : std::tan(sweep / 4.0);
-  *endDir = travelDirection(eps, alpha2, !clockwise);
-  return 1;
+  return writeSegment(clockwise ? -std::tan(sweep / 4.0) : std::tan(sweep / 4.0),
+                      travelDirection(eps, alpha2, !clockwise), bulge, endDir);
 }
 
 int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge, double* endDir) {
   reduceIncludedAngle(eps, ina);
   const double b = std::tan(ina / 4.0);
-  *bulge = b;
 
   // A centre for the end direction, built from the chord; side -1 puts it to the left.
   int side = -1;
@@ -92,8 +109,9 @@ int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge
   }
   if (alpha1 - eps > alpha2)
     alpha2 += kTwoPi;
-  *endDir = b <= eps ? travelDirection(eps, alpha1, false) : travelDirection(eps, alpha2, true);
-  return 1;
+  return writeSegment(
+      b, b <= eps ? travelDirection(eps, alpha1, false) : travelDirection(eps, alpha2, true), bulge,
+      endDir);
 }
 
 int PL_StpInaCen(double eps, double* stp, double ina, double* cen, double* bulge, double* endDir) {
@@ -112,11 +130,7 @@ int PL_StpInaCen(double eps, double* stp, double ina, double* cen, double* bulge
     ex = cx + r * std::cos(alpha2);
     ey = cy + r * std::sin(alpha2);
   }
-  cen[0] = ex;
-  cen[1] = ey;
-  *bulge = b;
-  *endDir = travelDirection(eps, alpha2, !(b <= eps));
-  return 1;
+  return writeSegmentEnd(ex, ey, cen, b, travelDirection(eps, alpha2, !(b <= eps)), bulge, endDir);
 }
 
 int PL_StpInaRadDir(double eps, double* stp, double ina, double rad, double dir, double* edp,
@@ -132,11 +146,9 @@ int PL_StpInaRadDir(double eps, double* stp, double ina, double rad, double dir,
   double alpha1 = arc.beta;
   fpos2pi(eps, &alpha1);
   const double alpha2 = alpha1 + ina;
-  edp[0] = cx + rad * std::cos(alpha2);
-  edp[1] = cy + rad * std::sin(alpha2);
-  *bulge = std::tan(ina / 4.0);
-  *endDir = travelDirection(eps, alpha2, arc.flag < 0);
-  return 1;
+  return writeSegmentEnd(cx + rad * std::cos(alpha2), cy + rad * std::sin(alpha2), edp,
+                         std::tan(ina / 4.0), travelDirection(eps, alpha2, arc.flag < 0), bulge,
+                         endDir);
 }
 
 int PL_StpCenEdp(double eps, double* stp, double* cen, double* edp, double* bulge, double* endDir) {
@@ -145,22 +157,20 @@ int PL_StpCenEdp(double eps, double* stp, double* cen, double* edp, double* bulg
   const double r = std::sqrt(square(stp[0] - cx) + square(stp[1] - cy));
   double alpha2 = directionBetween(eps, cx, cy, edp[0], edp[1]);
 
-  if (r < eps) {
-    // The start point is the centre: no start angle, so a straight segment of no length.
-    edp[0] = stp[0];
-    edp[1] = stp[1];
-    *bulge = 0.0;
-  } else {
+  // The start point on the centre has no start angle: a straight segment of no length.
+  double ex = stp[0];
+  double ey = stp[1];
+  double b = 0.0;
+  if (r >= eps) {
     const double alpha1 = directionBetween(eps, cx, cy, stp[0], stp[1]);
     if (alpha1 - eps > alpha2)
       alpha2 += kTwoPi;
     // The point of the circle on the ray towards the given end point.
-    edp[0] = cx + r * std::cos(alpha2);
-    edp[1] = cy + r * std::sin(alpha2);
-    *bulge = std::tan((alpha2 - alpha1) / 4.0);
+    ex = cx + r * std::cos(alpha2);
+    ey = cy + r * std::sin(alpha2);
+    b = std::tan((alpha2 - alpha1) / 4.0);
   }
-  *endDir = travelDirection(eps, alpha2, true);
-  return 1;
+  return writeSegmentEnd(ex, ey, edp, b, travelDirection(eps, alpha2, true), bulge, endDir);
 }
 
 int PL_StpCenLen(double eps, double* stp, double* cen, double len, double* bulge, double* endDir) {
@@ -171,12 +181,9 @@ int PL_StpCenLen(double eps, double* stp, double* cen, double len, double* bulge
   // Included angle of a chord of length len; a chord longer than the diameter gives 0.
   const double theta = 2.0 * arcsin(0.5 * len / r);
   const double alpha2 = alpha1 + theta;
-  cen[0] = cx + r * std::cos(alpha2);
-  cen[1] = cy + r * std::sin(alpha2);
   const double b = std::tan(theta / 4.0);
-  *bulge = b;
-  *endDir = travelDirection(eps, alpha2, !(b <= eps));
-  return 1;
+  return writeSegmentEnd(cx + r * std::cos(alpha2), cy + r * std::sin(alpha2), cen, b,
+                         travelDirection(eps, alpha2, !(b <= eps)), bulge, endDir);
 }
 
 int PL_StpRadEdp(double eps, double* stp, double rad, double* edp, double* bulge, double* endDir) {
@@ -188,14 +195,13 @@ int PL_StpRadEdp(double eps, double* stp, double rad, double* edp, double* bulge
   // centre lies on the other side and beta + theta is the end's radial angle minus pi, so the
   // same quarter turn below gives the clockwise direction of travel.
   const double beta = phi - theta / 2.0 + 3.0 * kHalfPi;
-  const double alpha2 = beta + theta;
-  *bulge = std::tan(theta / 4.0);
-  *endDir = travelDirection(eps, alpha2, true);
-  return 1;
+  return writeSegment(std::tan(theta / 4.0), travelDirection(eps, beta + theta, true), bulge,
+                      endDir);
 }
 
 int PL_3points(double eps, double* p1, double* p2, double* p3, double* bulge, double* endDir) {
-  // Collinear points are for PL_TestVertex kind 9 to reject; the determinant is not tested.
+  // Collinear points are for PL_TestVertex kind 9 to reject; the determinant is not tested, but
+  // such points have no finite centre and the construction then fails.
   double cx = 0.0;
   double cy = 0.0;
   bisectorCentre(p1, p2, p3, bisectorDeterminant(p1, p2, p3), &cx, &cy);
@@ -214,7 +220,10 @@ int PL_3points(double eps, double* p1, double* p2, double* p3, double* bulge, do
   if (alpha1 - eps > alpha3)
     alpha3 += kTwoPi;
   const double b = std::tan((alpha3 - alpha1) / 4.0);
-  *bulge = clockwise ? -b : b;
-  *endDir = clockwise ? travelDirection(eps, alpha1, false) : travelDirection(eps, alpha3, true);
-  return 1;
+  if (!allFinite({cx, cy}))
+    return 0;
+  return writeSegment(
+      clockwise ? -b : b,
+      clockwise ? travelDirection(eps, alpha1, false) : travelDirection(eps, alpha3, true), bulge,
+      endDir);
 }

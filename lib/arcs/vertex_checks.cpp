@@ -41,12 +41,11 @@ bool chordFitsRadius(const double* p, double rad, const double* q) {
   return 2.0 * rad >= chord;
 }
 
-// Kind 9: twice the signed area of the triangle, formed term by term as the shoelace sum; an
-// area is compared with eps unscaled.
+// Kind 9: twice the signed area of the triangle, an area compared with eps unscaled. It is
+// formed from the differences to p, so that points on one line far from the origin give exactly
+// the area 0 rather than the round-off of large products.
 bool notCollinear(double eps, const double* p, const double* q, const double* w) {
-  const double area2 =
-      (p[0] * q[1] + q[0] * w[1] + w[0] * p[1]) - (p[1] * q[0] + q[1] * w[0] + w[1] * p[0]);
-  return std::fabs(area2) >= eps;
+  return std::fabs(bisectorDeterminant(p, q, w)) >= eps;
 }
 
 }  // namespace
@@ -76,7 +75,8 @@ int PL_TestVertex(int kind, double eps, double* p, ...) {
     case 8: {
       const double rad = va_arg(args, double);
       const double* q = va_arg(args, double*);
-      valid = chordFitsRadius(p, rad, q);
+      // The only check without eps: a tolerance that is not a number fails it all the same.
+      valid = !std::isnan(eps) && chordFitsRadius(p, rad, q);
       break;
     }
     case 9: {

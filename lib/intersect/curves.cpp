@@ -155,8 +155,10 @@ int D2CirInts(double eps, double x1, double y1, double r1, double x2, double y2,
   // Concentric circles never meet in a point. A radius whose square is not a normal double (0,
   // or below about 1e-154) makes a point, not a curve: normalising by it would turn every
   // distance into infinity and report far-apart points as touching.
+  // A NaN or infinite radius is no circle.
   const double big2 = big * big;
-  if (d2 == 0.0 || !(big2 >= std::numeric_limits<double>::min()))
+  if (d2 == 0.0 || !(big2 >= std::numeric_limits<double>::min()) || !std::isfinite(r1) ||
+      !std::isfinite(r2))
     return 0;
   const double q = d2 / big2;
   if (std::isnan(q))

@@ -40,10 +40,11 @@ TARNSYSM_API int DArcLInts(double eps, double x1, double y1, double x2, double y
 
 /// Intersection of two circles. Returns 2 with A (right of the directed line from the first
 /// centre to the second) in xa, ya and B (left) in xb, yb; 1 for touching circles (the foot of
-/// the common chord, in xa, ya); 0 for none, for concentric circles and for circles whose
-/// radius squared is not a normal double (points, not curves). Distances are compared as squares
-/// normalised by the larger radius; the squared half chord times the squared centre distance is
-/// compared with eps unscaled, so small circles crossing at a clear angle may count as touching.
+/// the common chord, in xa, ya); 0 for none, for concentric circles, for a NaN or infinite radius
+/// and for circles whose radius squared is not a normal double (points, not curves). Distances are
+/// compared as squares normalised by the larger radius; the squared half chord times the squared
+/// centre distance is compared with eps unscaled, so small circles crossing at a clear angle may
+/// count as touching.
 TARNSYSM_API int D2CirInts(double eps, double x1, double y1, double r1, double x2, double y2,
                            double r2, double* xa, double* ya, double* xb, double* yb);
 

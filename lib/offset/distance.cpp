@@ -90,8 +90,8 @@ struct PieceJoin {
 
 PieceJoin joinOfPiece(double eps, const Segment& s1, const Segment& s2, double d) {
   PieceJoin j{0, 0.0, 0.0, 1.0, 0.0};
-  const bool inArc = !withinOpen(s1.bulge, eps);
-  const bool outArc = !withinOpen(s2.bulge, eps);
+  const bool inArc = !isStraightBulge(s1.bulge, eps);
+  const bool outArc = !isStraightBulge(s2.bulge, eps);
   // AAOffset, ALOffset and LAOffset, with the arcs the segments carry already.
   if (inArc && outArc)
     j.code = aaOffsetWithArcs(eps, d, s1.x2, s1.y2, s1.bulge, s2.bulge, arcOf(s1), arcOf(s2), &j.x,
@@ -238,7 +238,12 @@ class PolylineSegments {
     }
     if (!indexed_)
       buildIndex();
-    return index_.visitAlongSegment(kx, ky, px, py, pad, crosses);
+    const SegmentBox box{std::fmin(kx, px) - pad, std::fmin(ky, py) - pad, std::fmax(kx, px) + pad,
+                         std::fmax(ky, py) + pad};
+    const bool blocked =
+        index_.visitAll(crossingProbe(eps_, SegmentShape::line(box, kx, ky, px, py, pad)), crosses);
+    index_.summariseWhenCrowded([&](int s) { return shapeOf(s); });
+    return blocked;
   }
 
  private:
@@ -247,13 +252,16 @@ class PolylineSegments {
 
   // A box that holds segment s and every point its intersection tests can accept, from its rows
   // alone.
-  SegmentBox roughBox(int s) const {
-    return roughBoxOf(eps_, roughOf(eps_, v_[s], v_[(s + 1) % n_]));
+  SegmentShape roughShape(int s) const {
+    return roughShapeOf(eps_, roughOf(eps_, v_[s], v_[(s + 1) % n_]));
+  }
+  SegmentBox roughBox(int s) const { return roughShape(s).box; }
+  SegmentShape shapeOf(int s) const {
+    return s < (closed_ ? n_ : n_ - 1) ? roughShape(s) : SegmentShape::empty();
   }
 
   void buildIndex() {
-    const int segments = closed_ ? n_ : n_ - 1;
-    index_.build(n_, [&](int s) { return s < segments ? roughBox(s) : SegmentBox::empty(); });
+    index_.build(n_, [&](int s) { return shapeOf(s); });
     indexed_ = true;
   }
 
@@ -427,7 +435,7 @@ int plineDistPlain(double eps, int closed, int n, double (*const v)[5], double* 
 // of an arc; false for a line shorter than eps or an arc PL_ArcParam rejects.
 bool singleSegmentDistance(double eps, double (*const v)[5], const double* p, double* d) {
   const Segment s = segmentOf(eps, v[0], v[1]);
-  if (!withinOpen(s.bulge, eps) && !s.isArc)
+  if (!isStraightBulge(s.bulge, eps) && !s.isArc)
     return false;
   return carrierDistance(eps, p, s, d);
 }

@@ -133,7 +133,7 @@ Element elementOf(double eps, const double* from, const double* to,
   e.x2 = to[0];
   e.y2 = to[1];
   e.bulge = from[2];
-  if (!withinOpen(e.bulge, eps)) {
+  if (!isStraightBulge(e.bulge, eps)) {
     const BulgeArc arc = known ? *known : arcOfBulge(eps, e.x1, e.y1, e.x2, e.y2, e.bulge);
     if (arc.ok) {
       e.cx = arc.cx;
@@ -415,15 +415,20 @@ class SourceArcs {
 // Appends the row that ends the moved incoming segment at parameter tEnd. For an arc the bulge
 // of the row before is cut to the sweep between tStart and tEnd: sign(bulge)*tan(delta/4), 0
 // for a sweep of 2 pi - eps or more (a full circle has no bulge). A chord shorter than eps
-// drops the new row instead and gives the row before `bulgeAfter`, the bulge of what follows.
+// drops the new row instead and merges it into the row before as TrimLoop0 merges a duplicate:
+// that row takes `bulgeAfter`, the bulge of what follows, and the new row's attributes (so a
+// half circle inserted where the moved arc shrank to a point keeps the marks of an inserted
+// row).
 bool appendSegmentEnd(double eps, MovedRows& out, const Incoming& in, double tEnd, double x,
                       double y, double bulgeAfter, double f3, double f4) {
   const double bulge = in.from[2];
-  if (withinOpen(bulge, eps) || out.count() == 0)
+  if (isStraightBulge(bulge, eps) || out.count() == 0)
     return out.put(x, y, bulgeAfter, f3, f4);
   double* last = out.row(out.count() - 1);
   if (std::sqrt(square(x - last[0]) + square(y - last[1])) < eps) {
     last[2] = bulgeAfter;
+    last[3] = f3;
+    last[4] = f4;
     return true;
   }
   const BulgeArc& arc = *in.arc;
@@ -450,7 +455,7 @@ void arrivalDirection(double eps, const double* from, const double* to, const Bu
                       double* tx, double* ty) {
   *tx = to[0] - from[0];
   *ty = to[1] - from[1];
-  if (withinOpen(from[2], eps) || !arc.ok)
+  if (isStraightBulge(from[2], eps) || !arc.ok)
     return;
   // Perpendicular to the radius, turning the way the arc turns.
   const double rx = to[0] - arc.cx;
@@ -635,8 +640,8 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
 
     const double b1 = p1[2];
     const double b2 = p2[2];
-    const bool inArc = !withinOpen(b1, eps);
-    const bool outArc = !withinOpen(b2, eps);
+    const bool inArc = !isStraightBulge(b1, eps);
+    const bool outArc = !isStraightBulge(b2, eps);
     // The arcs of the two segments, each read only where its bulge makes it an arc.
     const BulgeArc arcIn = inArc ? arcOf.of(inSegment, p1, p2) : BulgeArc();
     const BulgeArc arcOut = outArc ? arcOf.of(j, p2, p3) : BulgeArc();
@@ -712,7 +717,7 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
   const double* p2 = row(0);
   const double bulge = p1[2];
   const int k = out.count();
-  if (!withinOpen(bulge, eps) && k >= 2) {
+  if (!isStraightBulge(bulge, eps) && k >= 2) {
     double* last = out.row(k - 1);
     const double* head = out.row(0);
     if (std::sqrt(square(head[0] - last[0]) + square(head[1] - last[1])) < eps) {
@@ -745,7 +750,7 @@ constexpr long long kStepsPerRow = 4;
 constexpr long long kStepAllowance = 256;
 
 bool isDoubledLine(double eps, int n, double (*const v)[5]) {
-  return n == 2 && withinOpen(v[0][2], eps) && withinOpen(v[1][2], eps);
+  return n == 2 && isStraightBulge(v[0][2], eps) && isStraightBulge(v[1][2], eps);
 }
 
 // The step limit over every segment, each element computed once: a rolling window of the
@@ -781,8 +786,9 @@ void fillSourceArcs(double eps, int closed, int n, double (*const v)[5], BulgeAr
   for (int s = 0; s < segments; ++s) {
     const double* from = v[s];
     const double* to = v[(s + 1) % n];
-    arcs[s] = withinOpen(from[2], eps) ? BulgeArc()
-                                       : arcOfBulge(eps, from[0], from[1], to[0], to[1], from[2]);
+    arcs[s] = isStraightBulge(from[2], eps)
+                  ? BulgeArc()
+                  : arcOfBulge(eps, from[0], from[1], to[0], to[1], from[2]);
   }
 }
 
@@ -793,20 +799,34 @@ bool arcTableWorthIt(double eps, int closed, int n, double (*const v)[5]) {
   const int segments = closed ? n : n - 1;
   int arcs = 0;
   for (int s = 0; s < segments; ++s) {
-    if (!withinOpen(v[s][2], eps))
+    if (!isStraightBulge(v[s][2], eps))
       ++arcs;
   }
   return arcs >= 16 && 8LL * arcs >= segments;
+}
+
+// The geometry is all finite numbers: x, y and bulge of every row (the attributes are the
+// caller's and are only carried), the picked point, and the distance unless `through` ignores it.
+bool finiteInput(int n, double (*const v)[5], int through, const double* pick, double dist) {
+  if (!std::isfinite(pick[0]) || !std::isfinite(pick[1]) || (!through && !std::isfinite(dist)))
+    return false;
+  for (int i = 0; i < n; ++i) {
+    if (!std::isfinite(v[i][0]) || !std::isfinite(v[i][1]) || !std::isfinite(v[i][2]))
+      return false;
+  }
+  return true;
 }
 
 }  // namespace
 
 int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
                 double* const pick, double dist) {
-  if (!closed || !v || !pick || n < 1)
+  if (!closed)
     return 0;
   if (*closed)
     *closed = 1;
+  if (!v || !pick || n < 1 || !finiteInput(n, v, through, pick, dist))
+    return 0;
   const long long capacity = 2LL * n;
   const long long maxSteps = kStepsPerRow * n + kStepAllowance;
 

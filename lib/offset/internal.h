@@ -28,6 +28,19 @@ inline BulgeArc arcOfBulge(double eps, double x1, double y1, double x2, double y
   return arc;
 }
 
+/// v lies strictly between -eps and eps, or is exactly 0: the offset's tests against zero hold
+/// for an exact 0 whatever eps is, so that eps = 0 asks for exact results rather than for none.
+inline bool withinOpenOrZero(double v, double eps) {
+  return v == 0.0 || withinOpen(v, eps);
+}
+
+/// A segment is straight when its bulge lies strictly between -eps and eps, and a bulge of
+/// exactly 0 is straight whatever eps is (eps = 0 must not turn every line into an arc of no
+/// angle).
+inline bool isStraightBulge(double bulge, double eps) {
+  return withinOpenOrZero(bulge, eps);
+}
+
 /// The sense of an arc segment as the offset sees it: +1 for bulge >= 0, -1 otherwise.
 inline double bulgeSign(double bulge) {
   return bulge >= 0.0 ? 1.0 : -1.0;
@@ -227,6 +240,15 @@ double sideOfChordScaled(const RoughSegment& s, double x, double y);
 // and as a parameter and an angle: eps L, eps R) and for round-off.
 SegmentBox roughBoxOf(double eps, const RoughSegment& s);
 
+// roughBoxOf with what the segment tree can use beyond the box: a straight segment's ends and
+// margin (the segment grown by a square of that half-width lies in the box), an arc's circle and
+// how far PL_ArcParam's may lie from it.
+SegmentShape roughShapeOf(double eps, const RoughSegment& s);
+
+// A query for the segments that may cross s, leaving out those that certainly cannot (parallel
+// straight segments, straight segments no longer than eps against an arc, concentric arcs).
+SegmentProbe crossingProbe(double eps, const SegmentShape& s);
+
 // Angle of (x, y) seen from an arc's centre, brought into the arc's range with tolerance eps;
 // a point outside it takes the turn centred on the arc (never one a whole turn away).
 double angleOnArc(double eps, const Segment& s, double x, double y);
@@ -257,8 +279,8 @@ class SegmentCache {
     unsigned char& state = state_[id];
     if (state == kUnknown) {
       Arc& a = arcs_[id];
-      state = !withinOpen(s.bulge, eps) && PL_ArcParam(eps, s.x1, s.y1, s.x2, s.y2, s.bulge, &a.cx,
-                                                       &a.cy, &a.r, &a.sa, &a.ea)
+      state = !isStraightBulge(s.bulge, eps) && PL_ArcParam(eps, s.x1, s.y1, s.x2, s.y2, s.bulge,
+                                                            &a.cx, &a.cy, &a.r, &a.sa, &a.ea)
                   ? kArc
                   : kStraight;
     }

@@ -197,7 +197,7 @@ int LLOffset(double eps, double d, double x1, double y1, double x2, double y2, d
 
 int LAOffset(double eps, double d, double x1, double y1, double x2, double y2, double x3, double y3,
              double bulge, double* ox, double* oy, double* t1, double* t2) {
-  if (withinOpen(bulge, eps))
+  if (isStraightBulge(bulge, eps))
     return LLOffset(eps, d, x1, y1, x2, y2, x3, y3, ox, oy, t1, t2);
   return laOffsetWithArc(eps, d, x1, y1, x2, y2, x3, y3, bulge,
                          arcOfBulge(eps, x2, y2, x3, y3, bulge), ox, oy, t1, t2);
@@ -205,7 +205,7 @@ int LAOffset(double eps, double d, double x1, double y1, double x2, double y2, d
 
 int ALOffset(double eps, double d, double x1, double y1, double x2, double y2, double x3, double y3,
              double bulge, double* ox, double* oy, double* t1, double* t2) {
-  if (withinOpen(bulge, eps))
+  if (isStraightBulge(bulge, eps))
     return LLOffset(eps, d, x1, y1, x2, y2, x3, y3, ox, oy, t1, t2);
   return alOffsetWithArc(eps, d, x1, y1, x2, y2, x3, y3, bulge,
                          arcOfBulge(eps, x1, y1, x2, y2, bulge), ox, oy, t1, t2);
@@ -213,9 +213,9 @@ int ALOffset(double eps, double d, double x1, double y1, double x2, double y2, d
 
 int AAOffset(double eps, double d, double x1, double y1, double x2, double y2, double x3, double y3,
              double bulge1, double bulge2, double* ox, double* oy, double* t1, double* t2) {
-  if (withinOpen(bulge1, eps))
+  if (isStraightBulge(bulge1, eps))
     return LAOffset(eps, d, x1, y1, x2, y2, x3, y3, bulge2, ox, oy, t1, t2);
-  if (withinOpen(bulge2, eps))
+  if (isStraightBulge(bulge2, eps))
     return ALOffset(eps, d, x1, y1, x2, y2, x3, y3, bulge1, ox, oy, t1, t2);
   return aaOffsetWithArcs(eps, d, x2, y2, bulge1, bulge2, arcOfBulge(eps, x1, y1, x2, y2, bulge1),
                           arcOfBulge(eps, x2, y2, x3, y3, bulge2), ox, oy, t1, t2);
@@ -225,7 +225,7 @@ int GetOffsetP(double eps, double d, double t, double x1, double y1, double x2, 
                double bulge, double* ox, double* oy) {
   const double dx = x2 - x1;
   const double dy = y2 - y1;
-  if (dx * dx + dy * dy < eps * eps || withinOpen(bulge, eps))
+  if (dx * dx + dy * dy < eps * eps || isStraightBulge(bulge, eps))
     return offsetPointWithArc(eps, d, t, x1, y1, x2, y2, bulge, BulgeArc(), ox, oy);
   return offsetPointWithArc(eps, d, t, x1, y1, x2, y2, bulge,
                             arcOfBulge(eps, x1, y1, x2, y2, bulge), ox, oy);
@@ -368,7 +368,7 @@ int offsetPointWithArc(double eps, double d, double t, double x1, double y1, dou
   if (dx * dx + dy * dy < eps * eps)
     return 0;
 
-  if (withinOpen(bulge, eps)) {
+  if (isStraightBulge(bulge, eps)) {
     double px, py;
     moveAlongNormal(d, x1, y1, x2, y2, x1, y1, &px, &py);
     *ox = px + t * dx;

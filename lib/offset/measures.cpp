@@ -6,6 +6,7 @@
 #include "primitives/primitives.h"
 
 #include <cmath>
+#include <limits>
 
 using namespace tarnsysm::detail;
 
@@ -32,11 +33,20 @@ double chordLength(double x1, double y1, double x2, double y2) {
   return std::sqrt(dx * dx + dy * dy);
 }
 
+// The numbers of a row that make up geometry are all finite.
+bool finiteRow(double x, double y, double bulge) {
+  return std::isfinite(x) && std::isfinite(y) && std::isfinite(bulge);
+}
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
 }  // namespace
 
 double LineArea(double eps, double x1, double y1, double x2, double y2, double bulge) {
+  if (!finiteRow(x1, y1, bulge) || !std::isfinite(x2) || !std::isfinite(y2))
+    return kNaN;
   const double trapezoid = trapezoidArea(x1, y1, x2, y2);
-  if (withinOpen(bulge, eps))
+  if (isStraightBulge(bulge, eps))
     return trapezoid;
   // A positive bulge bows to the right of travel and takes its segment away from the area of
   // a clockwise boundary; a negative one adds it. The subtraction covers both signs.
@@ -56,8 +66,11 @@ double PLineArea(double eps, int closed, int n, double (*const v)[5]) {
   for (int i = 0; i < n; ++i) {
     const double x = v[i][0];
     const double y = v[i][1];
+    // An open polyline's last bulge is not used.
+    if (!finiteRow(x, y, closed || i < n - 1 ? v[i][2] : 0.0))
+      return kNaN;
     sum += trapezoidArea(prevX, prevY, x, y);
-    if (!withinOpen(prevBulge, eps))
+    if (!isStraightBulge(prevBulge, eps))
       sum -= arcSegmentArea(chordLength(prevX, prevY, x, y), prevBulge);
     prevX = x;
     prevY = y;
@@ -82,7 +95,7 @@ bool onStraightSegment(double eps, const double* p, const double* s, const doubl
   if (t < -eps || t > 1.0 + eps)
     return false;
   const double dist = ((p[0] - s[0]) * dy - (p[1] - s[1]) * dx) / len;
-  return withinOpen(dist, eps);
+  return withinOpenOrZero(dist, eps);
 }
 
 // Is p on the bulge arc from s to e? Its angle must be on the sweep, its radius within eps.
@@ -94,7 +107,7 @@ bool onArcSegment(double eps, const double* p, const double* s, const double* e,
   const double ap = std::atan2(p[1] - cy, p[0] - cx);
   if (!ValidAngle(eps, sa, ea, ap))
     return false;
-  return withinOpen(rp - r, eps);
+  return withinOpenOrZero(rp - r, eps);
 }
 
 }  // namespace
@@ -108,8 +121,8 @@ int PointsOnPLine(double eps, double* const p, int closed, int n, double (*const
     const double* start = v[i];
     const double* end = i == n - 1 ? v[0] : v[i + 1];
     const double bulge = start[2];
-    const bool on = withinOpen(bulge, eps) ? onStraightSegment(eps, p, start, end)
-                                           : onArcSegment(eps, p, start, end, bulge);
+    const bool on = isStraightBulge(bulge, eps) ? onStraightSegment(eps, p, start, end)
+                                                : onArcSegment(eps, p, start, end, bulge);
     if (on)
       return 1;
   }

@@ -10,32 +10,43 @@
 //   [4] second caller attribute, carried through unchanged (inserted rows take it from the
 //       source row at which they were inserted).
 // n rows have the segments 0 .. n-2; a closed polyline (flag non-zero) has one more, from row
-// n-1 back to row 0 with the bulge of row n-1. A bulge counts as zero when -eps < bulge < eps.
+// n-1 back to row 0 with the bulge of row n-1. A bulge counts as zero when -eps < bulge < eps,
+// and a bulge of exactly 0 whatever eps is; so does every distance this subsystem tests against
+// zero (with eps = 0 only exact zeros count).
 // Signed areas are positive for a clockwise boundary; signed distances and offsets are positive
 // to the right of the direction of travel.
+//
+// Rows whose x, y or bulge is not a finite number: PLineOffset refuses them at once (returns 0,
+// rows untouched). The other functions run to the end on them: a segment with such a row never
+// crosses, blocks a sight line or holds a point, TrimLoop0 merges no such row, a three-row piece
+// through one gives no distance (PLineDist answers from the other pieces), and areas come out
+// NaN. A picked point that is not finite has no distance from anything, so TrimLoopS cuts every
+// loop it finds and keeps none of them.
 
 // ---- Vertex rows and measures ----------------------------------------------------------------
 
 /// Signed area between the segment (x1, y1)-(x2, y2) and the x axis: one term of a boundary's
 /// area sum, positive for the edges of a clockwise boundary. The straight part is the trapezoid
-/// (y1 + y2)*(x2 - x1)/2; an arc (bulge outside (-eps, eps)) subtracts its circular segment
-/// (theta - sin theta)*R^2/2, theta = 4*atan(bulge), which carries theta's sign: a positive bulge
-/// bows to the right of travel. Never fails; a NaN input gives NaN.
+/// (y1 + y2)*(x2 - x1)/2; an arc (bulge outside (-eps, eps), and not exactly 0) subtracts its
+/// circular segment (theta - sin theta)*R^2/2, theta = 4*atan(bulge), which carries theta's sign:
+/// a positive bulge bows to the right of travel. Never fails; an input that is not finite gives
+/// NaN.
 TARNSYSM_API double LineArea(double eps, double x1, double y1, double x2, double y2, double bulge);
 
 /// Signed area enclosed by the polyline v[0 .. n-1]: positive when it runs clockwise, negative
 /// when counter-clockwise; reversing the rows negates it. Arc edges count with their circular
 /// segments as in LineArea, so a positive bulge on a clockwise boundary bows inwards and makes
 /// the area smaller. An open polyline is closed by a straight chord from row n-1 to row 0 (the
-/// bulge of its last row is ignored). Returns 0.0 for n < 3, even for a closed pair of arcs.
-/// Reads n rows; writes nothing.
+/// bulge of its last row is ignored). Returns 0.0 for n < 3, even for a closed pair of arcs, and
+/// NaN when a coordinate or a bulge it uses is not finite. Reads n rows; writes nothing.
 TARNSYSM_API double PLineArea(double eps, int closed, int n, double (*const v)[5]);
 
 /// 1 when p = (p[0], p[1]) lies on some segment of the polyline, else 0 (also for n < 2). A
 /// straight segment takes p when its parameter along the segment is within [-eps, 1 + eps] (eps
 /// in parameter units, whatever the length) and its perpendicular distance is strictly below
-/// eps; a segment shorter than eps never matches. An arc takes p when its angle is on the sweep
-/// (ValidAngle) and its distance from the circle is strictly below eps. The closing segment is
+/// eps (or exactly 0); a segment shorter than eps never matches. An arc takes p when its angle is
+/// on the sweep (ValidAngle) and its distance from the circle is strictly below eps (or exactly
+/// 0). The closing segment is
 /// tested only when closed is non-zero. Reads n rows; writes nothing.
 TARNSYSM_API int PointsOnPLine(double eps, double* const p, int closed, int n,
                                double (*const v)[5]);
@@ -136,11 +147,13 @@ TARNSYSM_API int GetOffsetP(double eps, double d, double t, double x1, double y1
 /// Returns the row count of the result (2 or more), or 0 when the offset cannot be made: the
 /// picked point lies on the polyline (within eps) or its distance cannot be measured, the
 /// polyline collapses, a two-row polyline would need more than one step, a step would not fit,
-/// the distance is not finite, more than 4n + 256 steps would be needed, the final check fails
-/// (the offset cannot be made with sharp corners), or memory for the copy that the check reads
-/// runs out. On 0 the rows are
-/// left as the last step left them: keep a copy. A non-zero *closed is set to 1; trimming may
-/// set it to 1 when a loop is kept, and a closed result of two straight rows is returned open.
+/// the distance to go is not finite, more than 4n + 256 steps would be needed, the final check
+/// fails (the offset cannot be made with sharp corners), or memory for the copy that the check
+/// reads runs out. On 0 the rows are left as the last step left them: keep a copy. Returns 0 at
+/// once, rows untouched, for n < 1, a null pointer, an x, y or bulge that is not finite, a picked
+/// point that is not finite, or (when `through` is 0) a distance that is not finite. A non-zero
+/// *closed is set to 1 on every call, these included; trimming may set it to 1 when a loop is
+/// kept, and a closed result of two straight rows is returned open.
 TARNSYSM_API int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
                              double* const pick, double dist);
 
@@ -196,7 +209,10 @@ TARNSYSM_API int TrimLoopS(double eps, double* const pick, int* closed, int n,
 /// travel: the smallest distance by which some three-row piece (VertexDist) must be offset to
 /// pass through p, counting only pieces whose middle row p can see (IntersPLine); a single open
 /// segment gives its perpendicular or radial distance. Returns 1, or 0 with *dist untouched for
-/// fewer than 2 rows, a single degenerate segment, or no visible piece.
+/// fewer than 2 rows, a single degenerate segment, or no visible piece. Each piece is offset in
+/// one step by one of its candidate distances (VertexDist), so a point farther out than a concave
+/// arc of every piece near it can shrink (farther than the arc's radius, where the moved arc
+/// would turn inside out) may have no distance at all, though every corner sees it.
 TARNSYSM_API int PLineDist(double eps, int closed, int n, double (*const v)[5], double* const p,
                            double* dist);
 

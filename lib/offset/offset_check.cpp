@@ -79,7 +79,7 @@ Piece pieceOf(double eps, const double* from, const double* to) {
     p.ny = -dx / chord;
     p.off = -(p.nx * p.a.x + p.ny * p.a.y);
   }
-  p.isArc = !withinOpen(p.bulge, eps) && chord >= eps;
+  p.isArc = !isStraightBulge(p.bulge, eps) && chord >= eps;
   if (!p.isArc)
     return p;
   const double k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);

@@ -47,7 +47,7 @@ Piece straightPiece(double x0, double y0, double x1, double y1, int src, PieceKi
 // c/(2 |sin(theta/2)|) = c (1 + b^2)/(4 |b|); written with 1/b, neither overflows.
 Piece segmentPiece(double eps, double x0, double y0, double x1, double y1, double b, int src) {
   Piece p = straightPiece(x0, y0, x1, y1, src, PieceKind::kMoved);
-  if (withinOpen(b, eps))
+  if (b == 0.0 || withinOpen(b, eps))  // exactly 0 is straight whatever eps is
     return p;
   const double ux = x1 - x0, uy = y1 - y0;
   const double k = (1.0 / b - b) / 4.0;

@@ -8,7 +8,10 @@
 // so a polyline with few crossings costs O(n log n) instead of O(n^2). Segments keep stable ids
 // (their row at the start of the scan); a cut removes the ids inside the loop and the row X takes
 // the id of row i, so id order stays position order and stored boxes only ever grow too large,
-// never too small.
+// never too small. Where the boxes hand back many segments (a zigzag on one line, the long
+// slanted spokes of a star), the tree adds oriented boxes and leaves out segments that are
+// parallel or concentric with the query, so no shape makes the scan quadratic without crossings
+// to show for it.
 //
 // Choices made here:
 //  - A straight segment and an arc cross only at a point that DArcLInts puts on the arc and its
@@ -186,8 +189,7 @@ class ScanState {
       next_[i] = i + 1 < n ? i + 1 : -1;
       prev_[i] = i - 1;
     }
-    index_.build(
-        n, [&](int i) { return hasSegment(i) ? roughBoxOf(eps_, rough(i)) : SegmentBox::empty(); });
+    index_.build(n, [&](int i) { return shape(i); });
   }
 
   bool hasSegment(int id) const { return next_[id] != -1 || (closed_ && id == last_); }
@@ -211,15 +213,18 @@ class ScanState {
     return roughOf(eps_, rows_[id], rows_[next_[id] != -1 ? next_[id] : 0]);
   }
 
+  SegmentShape shape(int id) const {
+    return hasSegment(id) ? roughShapeOf(eps_, rough(id)) : SegmentShape::empty();
+  }
+
   // The latest earlier segment that segment `id` crosses, nearest first, and the point. The
   // exact shapes (PL_ArcParam) are worked out only for pairs the rough ones cannot rule out.
   int firstCrossingBelow(int id, double* x, double* y) {
     const RoughSegment ri = rough(id);
-    const SegmentBox query = roughBoxOf(eps_, ri);
     int hit = -1;
     // The closing segment shares row 0 (id 0, which is never cut out) with segment 0.
     const bool closing = closed_ && next_[id] == -1;
-    index_.visitBelowDescending(id, query, [&](int j) {
+    index_.visitBelowDescending(id, crossingProbe(eps_, roughShapeOf(eps_, ri)), [&](int j) {
       const Neighbours neighbours = j == prev_[id]      ? Neighbours::previous
                                     : closing && j == 0 ? Neighbours::closing
                                                         : Neighbours::none;
@@ -236,6 +241,9 @@ class ScanState {
       hit = j;
       return true;
     });
+    // Boxes that hand back many segments (long slanted fans, runs overlapping on one line or
+    // circle) get the finer summaries.
+    index_.summariseWhenCrowded([&](int j) { return shape(j); });
     return hit;
   }
 
@@ -253,6 +261,9 @@ class ScanState {
     prev_[i] = j;
     cache_.forget(i);
     cache_.forget(j);
+    // Both are parts of what they were: their boxes still hold them, their directions moved.
+    index_.shrink(j, shape(j));
+    index_.shrink(i, shape(i));
   }
 
  private:

@@ -20,7 +20,7 @@ namespace tarnsysm::detail {
 
 Segment segmentOf(double eps, double x1, double y1, double bulge, double x2, double y2) {
   Segment s{x1, y1, x2, y2, bulge, false, 0.0, 0.0, 0.0, 0.0, 0.0};
-  if (!withinOpen(bulge, eps))
+  if (!isStraightBulge(bulge, eps))
     s.isArc = PL_ArcParam(eps, x1, y1, x2, y2, bulge, &s.cx, &s.cy, &s.r, &s.sa, &s.ea) != 0;
   return s;
 }
@@ -35,7 +35,7 @@ RoughSegment roughOf(double eps, const double* from, const double* to) {
   const double dx = s.x2 - s.x1;
   const double dy = s.y2 - s.y1;
   s.chord = std::sqrt(dx * dx + dy * dy);
-  if (withinOpen(s.bulge, eps))
+  if (isStraightBulge(s.bulge, eps))
     return s;
   const double b = s.bulge;
   const double ae = std::fabs(eps);
@@ -64,7 +64,7 @@ double sideOfChordScaled(const RoughSegment& s, double x, double y) {
   return s.bulge > 0.0 ? -cross : cross;
 }
 
-SegmentBox roughBoxOf(double eps, const RoughSegment& s) {
+SegmentShape roughShapeOf(double eps, const RoughSegment& s) {
   SegmentBox box{std::min(s.x1, s.x2), std::min(s.y1, s.y2), std::max(s.x1, s.x2),
                  std::max(s.y1, s.y2)};
   const double size = std::max(std::max(-box.xmin, box.xmax), std::max(-box.ymin, box.ymax));
@@ -94,8 +94,40 @@ SegmentBox roughBoxOf(double eps, const RoughSegment& s) {
   box.ymax += pad;
   if (!(box.xmax - box.xmin < std::numeric_limits<double>::infinity()) ||
       !(box.ymax - box.ymin < std::numeric_limits<double>::infinity()))
-    return SegmentBox::empty();
-  return box;
+    return SegmentShape::empty();
+  if (s.kind == RoughSegment::straight)
+    return SegmentShape::line(box, s.x1, s.y1, s.x2, s.y2, pad);
+  if (s.kind == RoughSegment::arc && std::fabs(s.bulge) <= 4.0) {
+    // PL_ArcParam's circle differs from this one by round-off of a few units in the last place of
+    // the radius and the coordinates (its included angle stays well away from a whole turn).
+    const double size = s.r + std::fabs(s.x1) + std::fabs(s.y1) + std::fabs(s.x2) + std::fabs(s.y2);
+    return SegmentShape::circle(box, s.cx, s.cy, s.r, 1e-12 * size);
+  }
+  return SegmentShape::boxed(box);
+}
+
+SegmentBox roughBoxOf(double eps, const RoughSegment& s) {
+  return roughShapeOf(eps, s).box;
+}
+
+// Two straight segments whose cross product lies within eps never cross (D2LInts takes them as
+// parallel), a straight segment no longer than eps never meets an arc (DCirLInts takes no such
+// line), and two arcs within eps of one circle never meet (D2CirInts takes them as concentric or
+// nested): so segments overlapping one another on one line or one circle cost nothing. The arc
+// test is left off where the radius or eps is so extreme that squares of their ratio leave the
+// range of doubles.
+SegmentProbe crossingProbe(double eps, const SegmentShape& s) {
+  SegmentProbe probe{s, 0.0, 0.0, 0.0};
+  if (!(eps > 0.0) || !(eps < 1e300))
+    return probe;
+  if (s.kind == SegmentShape::straight)
+    probe.parallelBelow = eps / 2.0;
+  if (s.kind == SegmentShape::circular) {
+    probe.shortUpTo = eps;
+    if (eps >= 1e-50 && s.r <= 1e50)
+      probe.concentricUpTo = eps / 4.0;
+  }
+  return probe;
 }
 
 double angleOnArc(double eps, const Segment& s, double x, double y) {

@@ -65,20 +65,14 @@ int DAngle(double eps, double x1, double y1, double x2, double y2, double* angle
     *angle = 0.0;
     return 0;
   }
-  double a = std::atan2(dy, dx);
   // A tiny negative angle stands for 0: callers compare angles with eps, so it is not lifted.
-  if (a < -eps)
-    a += kTwoPi;
-  *angle = a;
+  *angle = liftBelowMinusEps(std::atan2(dy, dx), eps);
   return 1;
 }
 
 void fpos2pi(double eps, double* angle) {
   // The C remainder keeps the sign of the argument, so the value lies in (-2 pi, 2 pi).
-  double a = std::fmod(*angle, kTwoPi);
-  if (a < -eps)
-    a += kTwoPi;
-  *angle = a;
+  *angle = liftBelowMinusEps(std::fmod(*angle, kTwoPi), eps);
 }
 
 double arcsin(double x) {

@@ -33,6 +33,15 @@ inline double square(double v) {
   return v * v;
 }
 
+/// Lifts an angle below -eps by one turn. A tiny negative angle whose sum with 2 pi rounds up to
+/// 2 pi is the angle 0 and comes out as 0, so the result stays below 2 pi.
+inline double liftBelowMinusEps(double angle, double eps) {
+  if (!(angle < -eps))
+    return angle;
+  const double lifted = angle + kTwoPi;
+  return lifted < kTwoPi ? lifted : 0.0;
+}
+
 /// DAngle as a value: the direction from (x1, y1) to (x2, y2), 0 for coincident points.
 inline double directionBetween(double eps, double x1, double y1, double x2, double y2) {
   double angle = 0.0;

@@ -14,12 +14,15 @@
 
 /// Direction of the vector from (x1, y1) to (x2, y2), written to *angle in [-eps, 2 pi).
 /// Returns 0 and writes 0 when both coordinate differences are within eps (closed, each
-/// coordinate on its own); otherwise returns 1. An atan2 result in [-eps, 0) is left negative.
+/// coordinate on its own); otherwise returns 1. An atan2 result in [-eps, 0) is left negative; one
+/// below -eps is lifted by a turn, and when that sum rounds to 2 pi the angle is 0 and 0 is
+/// written.
 TARNSYSM_API int DAngle(double eps, double x1, double y1, double x2, double y2, double* angle);
 
 /// Reduces *angle into one turn: fmod by 2 pi, then 2 pi is added when the remainder is below
-/// -eps. A value in [-eps, 0) stays negative; 2 pi becomes 0, -2 pi becomes -0. A NaN stays NaN
-/// and an infinity becomes NaN.
+/// -eps. A value in [-eps, 0) stays negative; 2 pi becomes 0, -2 pi becomes -0, and a tiny negative
+/// value whose sum with 2 pi rounds to 2 pi is the angle 0 and becomes 0, so the result is always
+/// below 2 pi. A NaN stays NaN and an infinity becomes NaN.
 TARNSYSM_API void fpos2pi(double eps, double* angle);
 
 /// asin(x) for -1 < x < 1, -pi/2 for exactly -1, pi/2 for exactly 1, and 0 for anything else

@@ -2,14 +2,9 @@
 // Tests of the parametric line intersections: edge flags at the tolerance boundaries, the side
 // bit against the way the curve leaves the line, and crossings that lie on both curves and are
 // as many as the sign changes of the line's offset along the arc.
-#include <Tarnsysm.h>
-
-#include "test_support.h"
+#include "ellipse/ellipse_checks.h"
 
 #include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
 
 namespace {
 
@@ -21,10 +16,7 @@ TEST(LineIntEdge, flags_and_parameters_along_the_x_axis) {
   // The line is y = 0 from the origin, direction (1, 0); "left" is y > 0.
   const struct {
     const char* name;
-    double x1, y1, x2, y2;
-    int n;
-    double t1, t2;
-    int flag1, flag2;
+    double x1, y1, x2, y2, n, t1, t2, flag1, flag2;
   } rows[] = {
       {"first_end_on_edge_leaves_left", 2, 0, 2, 3, 1, 2, kNaN, 5, 0},
       {"second_end_on_edge_from_right", 2, -3, 2, 0, 1, 2, kNaN, 2, 0},
@@ -41,9 +33,9 @@ TEST(LineIntEdge, flags_and_parameters_along_the_x_axis) {
     int f1 = -1, f2 = -1;
     ASSERT_EQ(LineIntEdge(kEps, 0, 0, 1, 0, r.x1, r.y1, r.x2, r.y2, &t[0], &t[1], &f1, &f2), r.n)
         << r.name;
-    EXPECT_TRUE(f1 == r.flag1 && f2 == r.flag2) << r.name;
-    EXPECT_TRUE(r.n < 1 || t[0] == r.t1) << r.name;
-    EXPECT_TRUE(r.n < 2 || t[1] == r.t2) << r.name;
+    EXPECT_TRUE(f1 == r.flag1 && f2 == r.flag2 && (r.n < 1 || t[0] == r.t1) &&
+                (r.n < 2 || t[1] == r.t2))
+        << r.name;
   }
 }
 
@@ -51,9 +43,7 @@ TEST(LineIntCircle, parameters_of_circles_arcs_and_ellipses) {
   const struct {
     const char* name;
     bool unit;  // LineIntCircle, else LineIntCircle1
-    double x0, y0, dx;
-    int n;
-    double t1, t2;
+    double x0, y0, dx, n, t1, t2;
   } rows[] = {
       {"unit_direction", true, -2, 0, 1, 2, 1, 3},
       {"half_chord_unscaled", true, -2, 0, 2, 2, 0, 2},
@@ -83,111 +73,53 @@ TEST(LineIntCircle, parameters_of_circles_arcs_and_ellipses) {
   EXPECT_EQ(xa, -2.0);
 }
 
-// A random line and arc (circle when a == b, then with a unit direction).
-struct Draw {
-  double x0, y0, dx, dy, cx, cy, a, b, rot, sa, ea;
-
-  void at(double t, double* x, double* y) const {
-    const double px = a * std::cos(t), py = b * std::sin(t);
-    *x = cx + px * std::cos(rot) - py * std::sin(rot);
-    *y = cy + px * std::sin(rot) + py * std::cos(rot);
-  }
-  // Signed offset of the curve point from the line: positive to the left.
-  double offset(double t) const {
-    double x, y;
-    at(t, &x, &y);
-    return (dx * (y - y0) - dy * (x - x0)) / std::hypot(dx, dy);
-  }
-};
-
-Draw drawCase(std::mt19937& rng, bool circle) {
-  std::uniform_real_distribution<double> u(-1, 1), size(0.5, 20), turn(0, kTwoPi);
-  Draw d{};
-  d.cx = 10 * u(rng);
-  d.cy = 10 * u(rng);
-  d.a = size(rng);
-  d.b = circle ? d.a : size(rng);
-  d.rot = circle ? 0.0 : turn(rng);
-  d.sa = turn(rng);
-  d.ea = d.sa + 0.2 + 2.9 * (u(rng) + 1);
-  const double ang = turn(rng), len = circle ? 1.0 : std::exp(2 * u(rng));
-  d.dx = len * std::cos(ang);
-  d.dy = len * std::sin(ang);
-  d.x0 = d.cx + 1.3 * d.a * u(rng);
-  d.y0 = d.cy + 1.3 * d.b * u(rng);
-  return d;
-}
-
+// Random lines against random arcs (circles with a unit direction on even draws): the crossings
+// lie on both curves and are as many as the sign changes of the arc's offset from the line, away
+// from tangency and from the arc's ends. A line through a circular arc's end has bit 4 set when
+// the arc leaves that end to the line's left.
 TEST(LineIntEarc, crossings_lie_on_both_curves_and_match_sign_changes) {
-  std::mt19937 rng(401);
+  EllipseDraws draws(401, 0.5, 20, 10);
   int checked = 0;
   for (int i = 0; i < 4000; ++i) {
-    const bool circle = i % 2 == 0;
-    const Draw d = drawCase(rng, circle);
-    const double size = std::max(d.a, d.b) + 15, near = 1e-3 * size;
-    double t[2] = {kNaN, kNaN};
+    const bool circle = i % 2 == 0, atStart = i % 4 == 0;
+    TSellipse e = draws();
+    e.b = circle ? e.a : e.b;
+    e.rotation = circle ? 0 : e.rotation;
+    e.end = e.start + 0.2 + 5.8 * draws.unit();
+    const double ang = draws.turn(), len = circle ? 1.0 : std::exp(4 * draws.unit() - 2);
+    const double dx = len * std::cos(ang), dy = len * std::sin(ang), size = std::max(e.a, e.b) + 15;
+    double x0 = e.center[0] + e.a * (2.6 * draws.unit() - 1.3), p[3], q[3], g[2];
+    double y0 = e.center[1] + e.b * (2.6 * draws.unit() - 1.3), t[2] = {kNaN, kNaN};
     int f1 = -1, f2 = -1;
-    const int n = circle ? LineIntArc(1e-9, d.x0, d.y0, d.dx, d.dy, d.cx, d.cy, d.a, d.sa, d.ea,
-                                      &t[0], &t[1], &f1, &f2)
-                         : LineIntEarc(1e-9, d.x0, d.y0, d.dx, d.dy, d.cx, d.cy, d.a, d.b, d.rot,
-                                       d.sa, d.ea, &t[0], &t[1], &f1, &f2);
-    // Sign changes along the sweep; skip lines near tangency (an extremum of the offset close
-    // to 0) or near an arc end.
-    int changes = 0;
-    bool clear = std::fabs(d.offset(d.sa)) > near && std::fabs(d.offset(d.ea)) > near;
-    double prev = d.offset(d.sa), prevStep = 0;
-    for (int k = 1; k <= 4096 && clear; ++k) {
-      const double v = d.offset(d.sa + (d.ea - d.sa) * k / 4096);
-      changes += (v > 0) != (prev > 0);
-      clear = !((v - prev) * prevStep < 0 && std::fabs(prev) < near);
-      prevStep = v - prev;
-      prev = v;
+    const auto offset = [&](double s) {
+      return (pointAt(e, s, p), dx * (p[1] - y0) - dy * (p[0] - x0)) / len;
+    };
+    const int n = circle ? LineIntArc(1e-9, x0, y0, dx, dy, e.center[0], e.center[1], e.a, e.start,
+                                      e.end, &t[0], &t[1], &f1, &f2)
+                         : LineIntEarc(1e-9, x0, y0, dx, dy, e.center[0], e.center[1], e.a, e.b,
+                                       e.rotation, e.start, e.end, &t[0], &t[1], &f1, &f2);
+    bool clear = std::fabs(offset(e.start)) > 1e-3 * size && std::fabs(offset(e.end)) > 1e-3 * size;
+    const auto changes = signChanges(offset, e.start, e.end, 4096, 1e-3 * size, &clear).size();
+    checked += clear;
+    ASSERT_TRUE(!clear || n == static_cast<int>(changes)) << "case " << i;
+    for (int k = 0; k < n && clear; ++k) {
+      const double c[3] = {x0 + t[k] * dx, y0 + t[k] * dy, 0};
+      EXPECT_LT(std::fabs(implicit(e, c, g)), 2e-9 * size / std::min(e.a, e.b)) << i;
     }
-    if (!clear)
+    if (!circle)
       continue;
-    ++checked;
-    ASSERT_EQ(n, changes) << "case " << i;
-    for (int k = 0; k < n; ++k) {
-      const double x = d.x0 + t[k] * d.dx - d.cx, y = d.y0 + t[k] * d.dy - d.cy;
-      const double px = x * std::cos(d.rot) + y * std::sin(d.rot);
-      const double py = y * std::cos(d.rot) - x * std::sin(d.rot);
-      EXPECT_NEAR(std::hypot(px / d.a, py / d.b), 1.0, 1e-9 * size / std::min(d.a, d.b)) << i;
-    }
+    pointAt(e, atStart ? e.start : e.end, q);  // the line now runs through that end
+    x0 = q[0] - 3 * dx;
+    y0 = q[1] - 3 * dy;
+    const double side = offset(atStart ? e.start + 1e-4 : e.end - 1e-4);  // the arc just inside
+    if (std::fabs(side) < 1e-6 * e.a)
+      continue;  // leaves along the line
+    const int m = LineIntArc(1e-9, x0, y0, dx, dy, e.center[0], e.center[1], e.a, e.start, e.end,
+                             &t[0], &t[1], &f1, &f2);
+    ASSERT_GE(m, 1) << i;
+    EXPECT_EQ(((atStart || m == 1 ? f1 : f2) & 4) != 0, side > 0) << i;
   }
   EXPECT_GT(checked, 3600);
-}
-
-TEST(LineIntArc, bit_four_says_the_arc_leaves_to_the_left) {
-  std::mt19937 rng(402);
-  std::uniform_real_distribution<double> turn(0, kTwoPi);
-  for (int i = 0; i < 500; ++i) {
-    Draw d = drawCase(rng, true);
-    const bool atStart = i % 2 == 0;
-    double x, y;
-    d.at(atStart ? d.sa : d.ea, &x, &y);
-    const double ang = turn(rng);
-    d = Draw{x - 3 * std::cos(ang),
-             y - 3 * std::sin(ang),
-             std::cos(ang),
-             std::sin(ang),
-             d.cx,
-             d.cy,
-             d.a,
-             d.b,
-             0,
-             d.sa,
-             d.ea};
-    // Which side of the line is the arc on just inside that end?
-    const double side = d.offset(atStart ? d.sa + 1e-4 : d.ea - 1e-4);
-    if (std::fabs(side) < 1e-6 * d.a)
-      continue;  // leaves along the line
-    double t1 = 0, t2 = 0;
-    int f1 = 0, f2 = 0;
-    const int n =
-        LineIntArc(1e-9, d.x0, d.y0, d.dx, d.dy, d.cx, d.cy, d.a, d.sa, d.ea, &t1, &t2, &f1, &f2);
-    ASSERT_GE(n, 1) << i;
-    EXPECT_EQ(((atStart || n == 1 ? f1 : f2) & 4) != 0, side > 0) << i;
-  }
 }
 
 TEST(LineIntersections, hostile_numbers_give_no_crossing) {
