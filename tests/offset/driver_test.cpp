@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <complex>
 #include <limits>
 #include <string>
 #include <vector>
@@ -284,22 +283,6 @@ TEST(PLineOffset, bad_input_returns_promptly_within_its_rows) {
                         PLineOffset(kEps, &closed, 4, b.rows(), 0, far, 1.0),
                         PLineOffset(kEps, &closed, 5, c.rows(), 0, pick, 1.0)})
       EXPECT_TRUE(n >= 0 && n <= 10) << bad;
-  }
-}
-
-// A chord of a circle of radius 100 cut into 100,000 pieces, then the next arc: the vertex lies
-// on the circle only up to round-off that moves the line's roots by about 1e-8, beyond eps. The
-// corner still joins (once it found no branch and was bridged by a half circle).
-TEST(LAOffset, short_chord_into_an_arc_of_a_large_circle_joins) {
-  const double b = std::tan(kPi / 200000.0);
-  const auto at = [](int k) { return std::polar(100.0, 2.0 * kPi * k / 100000.0); };
-  for (int k = 1; k < 400; k += 2) {
-    double ox, oy, t1, t2;
-    ASSERT_EQ(LAOffset(kEps, 1.0, at(k).real(), at(k).imag(), at(k + 1).real(), at(k + 1).imag(),
-                       at(k + 2).real(), at(k + 2).imag(), b, &ox, &oy, &t1, &t2),
-              1)
-        << k;
-    EXPECT_NEAR(std::hypot(ox, oy), 101.0, 1e-9) << k;
   }
 }
 
