@@ -307,6 +307,10 @@ bool SegmentIndex::visitWhereNode(Accept&& accept, Visit&& visit) const {
     if (!accept(node))
       continue;
     if (node >= leaves_) {
+      // Padding leaves hold empty boxes, but an accept test fed overflowing coordinates (NaN
+      // gaps) may still let one through: only real segments are handed out.
+      if (node - leaves_ >= count_)
+        continue;
       ++visited_;
       if (visit(node - leaves_))
         return true;

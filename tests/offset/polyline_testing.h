@@ -4,8 +4,11 @@
 
 #include "offset/offset_validity.h"
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace tarnsysm_test {
@@ -45,6 +48,18 @@ class Polyline {
   int capacity_;
   std::unique_ptr<double[][5]> rows_;
 };
+
+/// Expected rows (x, y, bulge, field 3, field 4; NaN: not checked), and with `inPlace` (a
+/// function that never needs more rows than it is given) nothing written past the rows given.
+inline void expectRows(Polyline& pl, bool inPlace, const std::vector<std::vector<double>>& want,
+                       const std::string& name) {
+  for (size_t i = 0; i < want.size(); ++i)
+    for (size_t f = 0; f < want[i].size(); ++f)
+      EXPECT_TRUE(std::isnan(want[i][f]) ||
+                  std::fabs(pl[static_cast<int>(i)][f] - want[i][f]) <= 1e-12)
+          << name << " row " << i << " field " << f << ": " << pl[static_cast<int>(i)][f];
+  EXPECT_TRUE(!inPlace || pl.count() == 0 || pl[pl.count()][0] == Polyline::kSentinel) << name;
+}
 
 /// The closed polyline traversed backwards: segment i -> i+1 (bulge b) becomes i+1 -> i (-b).
 inline Rows reversedClosed(const Rows& v) {

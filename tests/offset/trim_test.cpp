@@ -25,20 +25,6 @@ namespace {
 constexpr double kEps = 1e-9;
 const double kNan = std::nan("");
 
-// Expected rows (x, y, bulge, field 3, field 4; NaN: not checked), and nothing written past the
-// rows given.
-void expectRows(Polyline& pl, const std::vector<std::vector<double>>& want,
-                const std::string& name) {
-  for (size_t i = 0; i < want.size(); ++i) {
-    for (size_t f = 0; f < want[i].size(); ++f) {
-      EXPECT_TRUE(std::isnan(want[i][f]) ||
-                  std::fabs(pl[static_cast<int>(i)][f] - want[i][f]) <= 1e-12)
-          << name << " row " << i << " field " << f << ": " << pl[static_cast<int>(i)][f];
-    }
-  }
-  EXPECT_EQ(pl[pl.count()][0], Polyline::kSentinel) << name;
-}
-
 TEST(TrimLoop0, merges_rows_within_the_square_root_of_eps) {
   struct Row {
     const char* name;
@@ -49,25 +35,15 @@ TEST(TrimLoop0, merges_rows_within_the_square_root_of_eps) {
     std::vector<std::vector<double>> want;
   };
   const Rows square = {{0, 0, 0}, {4, 0, 0}, {4, 4, 0}, {0, 0, 0}};
+  // clang-format off
   const Row rows[] = {
       // The kept row stays where it is and takes the later row's bulge and attributes.
-      {"merge",
-       1e-6,
-       0,
-       4,
-       {{0, 0, 0}, {5, 0, 0}, {5 + 0.5e-3, 0, 0.25}, {5, 5, 0}},
-       3,
+      {"merge", 1e-6, 0, 4, {{0, 0, 0}, {5, 0, 0}, {5 + 0.5e-3, 0, 0.25}, {5, 5, 0}}, 3,
        {{0, 0, 0, 100, 200}, {5, 0, 0.25, 102, 202}, {5, 5, 0, 103, 203}}},
       {"apart", 1e-6, 0, 3, {{0, 0, 0}, {5, 0, 0}, {5 + 2e-3, 0, 0.25}}, 3, {}},
       // eps = 0.25: a squared distance of exactly eps merges inside, but not at the closing row.
       {"inner_merges_at_equality", 0.25, 0, 3, {{0, 0, 0}, {0.5, 0, 0}, {3, 0, 0}}, 2, {}},
-      {"closing_keeps_at_equality",
-       0.25,
-       1,
-       4,
-       {{0, 0, 0}, {3, 0, 0}, {3, 3, 0}, {0, 0.5, 0}},
-       4,
-       {}},
+      {"closing_keeps_at_equality", 0.25, 1, 4, {{0, 0, 0}, {3, 0, 0}, {3, 3, 0}, {0, 0.5, 0}}, 4, {}},
       {"closing_merges_below", 0.25, 1, 4, {{0, 0, 0}, {3, 0, 0}, {3, 3, 0}, {0, 0.49, 0}}, 3, {}},
       {"repeated_first_row_closed", kEps, 1, 4, square, 3, {}},
       {"repeated_first_row_open", kEps, 0, 4, square, 4, {}},
@@ -75,10 +51,11 @@ TEST(TrimLoop0, merges_rows_within_the_square_root_of_eps) {
       {"no_rows", kEps, 1, 0, square, 0, {}},
       {"negative_count", kEps, 1, -4, square, 0, {}},
   };
+  // clang-format on
   for (const Row& r : rows) {
     Polyline pl(r.rows);
     ASSERT_EQ(TrimLoop0(r.eps, r.closed, r.n, pl.rows()), r.kept) << r.name;
-    expectRows(pl, r.want, r.name);
+    expectRows(pl, true, r.want, r.name);
   }
 }
 
@@ -185,16 +162,10 @@ TEST(TrimLoopS, keeps_the_piece_nearest_the_pick) {
     std::vector<std::vector<double>> want;
   };
   const double q = std::tan(kPi / 8);
+  // clang-format off
   const Row rows[] = {
       // In the loop, X carries the attributes of row j = 0.
-      {"eight_right_lobe",
-       kEight,
-       1,
-       9,
-       5,
-       3,
-       1,
-       {{5, 5, 0, 100}, {10, 10, 0, 101}, {10, 0, 0, 102}}},
+      {"eight_right_lobe", kEight, 1, 9, 5, 3, 1, {{5, 5, 0, 100}, {10, 10, 0, 101}, {10, 0, 0, 102}}},
       // The rest: X replaces row 1 and carries the attributes of row i = 2.
       {"eight_left_lobe", kEight, 1, 1, 5, 3, 1, {{0, 0}, {5, 5, 0, 102, 202}, {0, 10}}},
       {"eight_on_a_lobe", kEight, 1, 10, 4, 3, 1, {{5, 5}, {10, 10}, {10, 0}}},
@@ -205,41 +176,22 @@ TEST(TrimLoopS, keeps_the_piece_nearest_the_pick) {
       {"touching_arcs", {{0, 0, 1}, {2, 0, 1}, {4, 0, 0}}, 0, 1, 3, 3, 0, {}},
       // A line that stops short of the half circle of radius 4 above it, then one that crosses
       // it at (0, 4): the cut arc keeps its head, a clockwise quarter turn.
-      {"line_short_of_an_arc",
-       {{-4, 0, -1}, {4, 0, 0}, {4, -3, 0}, {0, -3, 0}, {0, -1, 0}},
-       0,
-       0,
-       5,
-       5,
-       0,
-       {}},
-      {"line_across_an_arc",
-       {{-4, 0, -1}, {4, 0, 0}, {4, -3, 0}, {0, -3, 0}, {0, 6, 0}},
-       0,
-       -3,
-       -10,
-       3,
-       0,
+      {"line_short_of_an_arc", {{-4, 0, -1}, {4, 0, 0}, {4, -3, 0}, {0, -3, 0}, {0, -1, 0}}, 0, 0, 5, 5, 0, {}},
+      {"line_across_an_arc", {{-4, 0, -1}, {4, 0, 0}, {4, -3, 0}, {0, -3, 0}, {0, 6, 0}}, 0, -3, -10, 3, 0,
        {{-4, 0, -q}, {0, 4}}},
       // The closing segment and segment 0 share row 0: their second meeting (4, 0) is cut. The
       // loop keeps the head of the arc (a quarter turn); the rest is the half disc above.
-      {"closing_segment_loop",
-       kClosingArc,
-       1,
-       6,
-       -3,
-       5,
-       1,
-       {{4, 0, 0}, {10, 0}, {10, -6}, {2, -6}, {2, -2, q}}},
+      {"closing_segment_loop", kClosingArc, 1, 6, -3, 5, 1, {{4, 0, 0}, {10, 0}, {10, -6}, {2, -6}, {2, -2, q}}},
       {"closing_segment_rest", kClosingArc, 1, 2, 1, 2, 1, {{0, 0, 0}, {4, 0, 1}}},
   };
+  // clang-format on
   for (const Row& r : rows) {
     Polyline pl(r.rows);
     int closed = r.closed;
     double pick[2] = {r.px, r.py};
     ASSERT_EQ(TrimLoopS(kEps, pick, &closed, pl.count(), pl.rows()), r.kept) << r.name;
     EXPECT_EQ(closed, r.closedAfter) << r.name;
-    expectRows(pl, r.want, r.name);
+    expectRows(pl, true, r.want, r.name);
   }
 }
 
@@ -255,9 +207,7 @@ TEST(TrimLoopS, simple_closed_shapes_come_back_as_themselves) {
     int closed = 1;
     double pick[2] = {1, 2};
     ASSERT_EQ(TrimLoopS(kEps, pick, &closed, pl.count(), pl.rows()), pl.count()) << s;
-    EXPECT_EQ(closed, 1);
-    for (int i = 0; i < 2 * pl.count(); ++i)
-      EXPECT_TRUE(std::equal(pl[i], pl[i] + 5, original[i])) << s << " row " << i;
+    EXPECT_TRUE(closed == 1 && std::equal(pl[0], pl[0] + 10 * pl.count(), original[0])) << s;
   }
 }
 
@@ -276,6 +226,10 @@ TEST(TrimLoopS, offset_steps_never_keep_a_loop_running_the_other_way) {
   int closed = 1;
   double pick[2] = {5, 5};
   EXPECT_EQ(tarnsysm::detail::trimStepLoops(kEps, pick, &closed, 4, sq.rows(), 1.0), 0);
+  // No rows: nothing kept, by either of the internal trimming entries.
+  tarnsysm::detail::TrimMeasure measure;
+  EXPECT_EQ(tarnsysm::detail::trimStepLoops(kEps, pick, &closed, 0, sq.rows(), 1.0), 0);
+  EXPECT_EQ(tarnsysm::detail::trimLoopsAndMeasure(kEps, pick, &closed, 0, sq.rows(), &measure), 0);
 }
 
 TEST(TrimLoopS, bad_input_and_memory_running_out) {
@@ -285,9 +239,7 @@ TEST(TrimLoopS, bad_input_and_memory_running_out) {
   failNextAllocation(true);
   EXPECT_EQ(TrimLoopS(kEps, pick, &closed, 4, pl.rows()), 4);
   failNextAllocation(false);
-  EXPECT_EQ(closed, 1);
-  for (int i = 0; i < 8; ++i)
-    EXPECT_TRUE(std::equal(pl[i], pl[i] + 5, original[i])) << i;
+  EXPECT_TRUE(closed == 1 && std::equal(pl[0], pl[0] + 40, original[0]));
   EXPECT_EQ(TrimLoopS(kEps, pick, &closed, 0, pl.rows()), 0);
   EXPECT_EQ(TrimLoopS(kEps, pick, &closed, -2, pl.rows()), 0);
   EXPECT_EQ(TrimLoopS(kEps, pick, &closed, 1, pl.rows()), 1);
