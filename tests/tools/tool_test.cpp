@@ -218,9 +218,8 @@ void makeInputs(const TempDir& dir) {
   writeFile(dir / "points.dxf", dxfEntities("  0\nPOINT\n  8\n0\n 10\n1\n 20\n2\n"));
   writeFile(dir / "binary.dxf", std::string("AutoCAD Binary DXF\r\n\x1a\0\0\0", 24));
   const std::string poly3d =
-      "  0\nPOLYLINE\n  5\n3A\n  8\nWALLS\n 66\n1\n 70\n8\n  0\nVERTEX\n  8\nWALLS\n 10\n0\n "
-      "20\n0\n"
-      " 30\n1\n  0\nVERTEX\n  8\nWALLS\n 10\n1\n 20\n0\n 30\n2\n  0\nSEQEND\n";
+      "  0\nPOLYLINE\n  5\n3A\n  8\nWALLS\n 66\n1\n 70\n8\n  0\nVERTEX\n  8\nWALLS\n 10\n0\n"
+      " 20\n0\n 30\n1\n  0\nVERTEX\n  8\nWALLS\n 10\n1\n 20\n0\n 30\n2\n  0\nSEQEND\n";
   writeFile(dir / "only3d.dxf", dxfEntities(poly3d));
   writeFile(dir / "mixed.dxf", dxfEntities(poly3d + "  0\nLWPOLYLINE\n  8\n0\n 90\n2\n 70\n1\n"
                                                     " 10\n0\n 20\n0\n 42\n1\n 10\n4\n 20\n0\n"));
@@ -294,25 +293,17 @@ INSTANTIATE_TEST_SUITE_P(
         CommandCase{"svg_is_the_input", "offset square.txt -d 1 --side left --svg square.txt", 2,
                     "is the input file"},
         CommandCase{"output_is_the_input_through_a_link",
-                    "offset square.txt -d 1 --side left -o "
-                    "link.txt",
-                    2, "is the input file"},
+                    "offset square.txt -d 1 --side left -o link.txt", 2, "is the input file"},
         CommandCase{"output_is_the_input_spelt_otherwise",
-                    "offset square.txt -d 1 --side left -o "
-                    "folder/../square.txt",
-                    2, "is the input file"},
+                    "offset square.txt -d 1 --side left -o folder/../square.txt", 2,
+                    "is the input file"},
         CommandCase{"output_is_a_hard_link_of_the_input",
-                    "offset square.txt -d 1 --side left -o "
-                    "hard.txt",
-                    2, "is the input file"},
+                    "offset square.txt -d 1 --side left -o hard.txt", 2, "is the input file"},
         CommandCase{"both_outputs_one_file",
-                    "offset square.txt -d 1 --side left -o a.dxf --svg "
-                    "./a.dxf",
-                    2, "the same file"},
+                    "offset square.txt -d 1 --side left -o a.dxf --svg ./a.dxf", 2,
+                    "the same file"},
         CommandCase{"both_outputs_standard_output",
-                    "offset square.txt -d 1 --side left -o - --svg "
-                    "-",
-                    2, "the same file"},
+                    "offset square.txt -d 1 --side left -o - --svg -", 2, "the same file"},
         // Outputs that cannot be written whole: the earlier out.dxf stays.
         CommandCase{"full_device", "offset square.txt -d 1 --side left -o out.dxf --svg /dev/full",
                     2, "No space left"},
