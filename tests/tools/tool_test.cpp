@@ -173,11 +173,17 @@ INSTANTIATE_TEST_SUITE_P(
 
 struct CommandCase {
   const char* name;
-  const char* command;
+  const char* file;  // "offset file" starts the command, unless empty
+  const char* args;  // after the file; empty or "+..." stands for "-d 1 --side left..."
   int status;
   const char* message;      // a piece of standard error (or output, for status 0 and 1)
   const char* prefix = "";  // shell words before the command
 };
+CommandCase R(const char* name, const char* file, const char* args, int status, const char* message,
+              const char* prefix = "") {
+  return {name, file, args, status, message, prefix};
+}
+constexpr const char* kSq = "square.txt";
 
 void PrintTo(const CommandCase& c, std::ostream* os) {
   *os << c.name;
@@ -248,7 +254,10 @@ TEST_P(Commands, exit_status_and_message) {
     fs::resize_file(dir / "square.txt", (std::uintmax_t{256} << 20) + 1);
   const auto before = snapshot(dir);
   // A failing command names outputs, unless it is about them, to show that none is written.
-  std::string command = c.command;
+  std::string args = c.args;
+  if (args.empty() || args[0] == '+')
+    args = "-d 1 --side left" + args.substr(args.empty() ? 0 : 1);
+  std::string command = (c.file[0] ? std::string("offset ") + c.file + " " : "") + args;
   if (c.status == 2 && command.find(" -o ") == std::string::npos &&
       command.find("--svg") == std::string::npos)
     command += " -o new.dxf --svg new.svg";
@@ -265,104 +274,81 @@ TEST_P(Commands, exit_status_and_message) {
   EXPECT_EQ(snapshot(dir), before) << c.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Tool, Commands,
-    ::testing::Values(
-        // Mistakes in the command.
-        CommandCase{"unknown_command", "offst square.txt", 2, "unknown command 'offst'"},
-        CommandCase{"unknown_option", "offset square.txt --bogus", 2, "--bogus"},
-        CommandCase{"huge_distance", "offset square.txt -d 2e12 --side left", 2, "1e12"},
-        CommandCase{"huge_pick", "offset square.txt -d 1 --pick 0,-1e200", 2, "1e12"},
-        CommandCase{"malformed_distance", "offset square.txt -d 1,5 --side left", 2, "'1,5'"},
-        CommandCase{"infinite_distance", "offset square.txt -d 1e999 --side left", 2, "1e999"},
-        CommandCase{"zero_distance", "offset square.txt -d 0 --side left", 2, "not be 0"},
-        CommandCase{"negative_distance", "offset square.txt -d -1 --side left", 2, "positive"},
-        CommandCase{"no_distance", "offset square.txt --side left", 2, "--distance"},
-        CommandCase{"malformed_pick", "offset square.txt -d 1 --pick '5;5'", 2, "X,Y"},
-        CommandCase{"no_side_or_pick", "offset square.txt -d 1", 2, "--side"},
-        CommandCase{"unknown_side", "offset square.txt -d 1 --side up", 2, "up"},
-        CommandCase{"pick_and_side", "offset square.txt --pick 1,1 --side left", 2, "excludes"},
-        CommandCase{"through_without_pick", "offset square.txt --through --side left", 2, "--pick"},
-        CommandCase{"zero_eps", "offset square.txt -d 1 --side left --eps 0", 2, "--eps"},
-        CommandCase{"unknown_corners", "offset square.txt -d 1 --side left --corners bevel", 2,
-                    "bevel"},
-        CommandCase{"all_loops_with_sharp_corners",
-                    "offset square.txt -d 1 --side left --corners sharp --all-loops", 2,
-                    "--all-loops"},
-        // Outputs that would overwrite the input or each other.
-        CommandCase{"svg_is_the_input", "offset square.txt -d 1 --side left --svg square.txt", 2,
-                    "is the input file"},
-        CommandCase{"output_is_the_input_through_a_link",
-                    "offset square.txt -d 1 --side left -o link.txt", 2, "is the input file"},
-        CommandCase{"output_is_the_input_spelt_otherwise",
-                    "offset square.txt -d 1 --side left -o folder/../square.txt", 2,
-                    "is the input file"},
-        CommandCase{"output_is_a_hard_link_of_the_input",
-                    "offset square.txt -d 1 --side left -o hard.txt", 2, "is the input file"},
-        CommandCase{"both_outputs_one_file",
-                    "offset square.txt -d 1 --side left -o a.dxf --svg ./a.dxf", 2,
-                    "the same file"},
-        CommandCase{"both_outputs_standard_output",
-                    "offset square.txt -d 1 --side left -o - --svg -", 2, "the same file"},
-        // Outputs that cannot be written whole: the earlier out.dxf stays.
-        CommandCase{"full_device", "offset square.txt -d 1 --side left -o out.dxf --svg /dev/full",
-                    2, "No space left"},
-        CommandCase{"file_size_limit", "offset gasket.dxf -d 1 --side left -o out.dxf", 2,
-                    "File too large", "trap '' XFSZ; ulimit -f 4;"},
-        CommandCase{"output_folder_missing", "offset square.txt -d 1 --side left -o no/such/o.dxf",
-                    2, "no/such/o.dxf"},
-        // Inputs that cannot be read whole.
-        CommandCase{"missing_file", "offset nothere.dxf -d 1 --side left", 2, "nothere.dxf"},
-        CommandCase{"directory", "offset folder -d 1 --side left", 2, "directory"},
-        CommandCase{"endless_line", "offset /dev/zero -d 1 --side left", 2, "line 1 is longer"},
-        CommandCase{"input_too_large", "offset square.txt -d 1 --side left", 2, "the 256 MiB"},
-        CommandCase{"malformed_vertex", "offset bad_number.txt -d 1 --side left", 2,
-                    "bad_number.txt:4: malformed y '1O'"},
-        CommandCase{"text_ends_early", "offset short.txt -d 1 --side left", 2, "short.txt:3"},
-        CommandCase{"huge_coordinate", "offset huge.txt -d 1 --side left", 2, "1e12"},
-        CommandCase{"empty_file", "offset empty.dxf -d 1 --side left", 2, "is empty"},
-        CommandCase{"not_a_drawing", "offset junk.dxf -d 1 --side left", 2, "not a DXF group"},
-        CommandCase{"binary_dxf", "offset binary.dxf -d 1 --side left", 2,
-                    "binary DXF is not supported"},
-        CommandCase{"no_polylines", "offset points.dxf -d 1 --side left", 2, "holds no LWPOLY"},
-        CommandCase{"only_3d_polylines", "offset only3d.dxf -d 1 --side left", 2,
-                    "only 1 left out"},
-        CommandCase{"dxf_cut_short", "offset dxf_truncated_in_vertex_list.dxf -d 1 --side left", 2,
-                    "line 842: the drawing ends inside LWPOLYLINE (handle 38)"},
-        CommandCase{"vertex_count_too_small", "offset dxf_count_lies_less.dxf -d 1 --side left", 2,
-                    "line 12: LWPOLYLINE (handle 2A) announces 2 vertices"},
-        CommandCase{"vertex_count_2_to_the_30",
-                    "offset dxf_lwpolyline_count_1073741824_segv.dxf -d 1 --side left", 2,
-                    "line 12: LWPOLYLINE (handle 2A): count 1073741824"},
-        CommandCase{"nan_coordinate", "offset dxf_nan_coordinate_read_as_0.dxf -d 1 --side left", 2,
-                    "line 20: LWPOLYLINE (handle 2A): 'nan'"},
-        CommandCase{"word_coordinate",
-                    "offset dxf_garbage_coordinate_read_as_number.dxf -d 1 --side left", 2,
-                    "line 20: LWPOLYLINE (handle 2A): 'abc'"},
-        CommandCase{"number_with_a_tail", "offset xyz.dxf -d 1 --side left", 2,
-                    "line 22: LWPOLYLINE (handle 2A): '12xyz'"},
-        // Runs that write: a pipe read as a file, a device written in place, standard output.
-        CommandCase{"piped_input", "offset /dev/stdin -d 1 --side left", 0, "closed 4",
-                    "cat square.txt |"},
-        CommandCase{"device_output", "offset square.txt -d 1 --side left -o /dev/null", 0,
-                    "wrote /dev/null"},
-        CommandCase{"dxf_to_standard_output", "offset square.txt -d 1 --side left -o -", 0,
-                    "\nEOF\n"},
-        // Polylines left without an offset, each with the reason.
-        CommandCase{"pick_on_the_polyline", "offset square.txt -d 1 --pick 0,5", 1,
-                    "polyline 1 not offset: the pick point lies on it"},
-        CommandCase{"pick_beyond_an_open_end", "offset two.txt -d 1 --pick=-5,-5", 1,
-                    "polyline 2 not offset: its distance from the pick point cannot be measured"},
-        CommandCase{"collapse", "offset circle.txt -d 8 --side inside", 1,
-                    "polyline 1 not offset: it collapses"},
-        CommandCase{"open_polyline_has_no_inside", "offset two.txt -d 1 --side inside", 1,
-                    "polyline 2 not offset: it is open"},
-        CommandCase{"sharp_corners_fall_back_to_round",
-                    "offset fallback.txt -d 3.496 --side inside", 0,
-                    "polyline 1: its offset cannot be made with sharp corners"},
-        CommandCase{"3d_polyline_left_out", "offset mixed.dxf -d 1 --side left", 1,
-                    "left out polyline (handle 3A, layer WALLS): a 3D polyline"}),
-    [](const auto& info) { return std::string(info.param.name); });
+const CommandCase kCommands[] = {
+    // Mistakes in the command.
+    R("unknown_command", "", "offst square.txt", 2, "unknown command 'offst'"),
+    R("unknown_option", kSq, "--bogus", 2, "--bogus"),
+    R("huge_distance", kSq, "-d 2e12 --side left", 2, "1e12"),
+    R("huge_pick", kSq, "-d 1 --pick 0,-1e200", 2, "1e12"),
+    R("malformed_distance", kSq, "-d 1,5 --side left", 2, "'1,5'"),
+    R("infinite_distance", kSq, "-d 1e999 --side left", 2, "1e999"),
+    R("zero_distance", kSq, "-d 0 --side left", 2, "not be 0"),
+    R("negative_distance", kSq, "-d -1 --side left", 2, "positive"),
+    R("no_distance", kSq, "--side left", 2, "--distance"),
+    R("malformed_pick", kSq, "-d 1 --pick '5;5'", 2, "X,Y"),
+    R("no_side_or_pick", kSq, "-d 1", 2, "--side"),
+    R("unknown_side", kSq, "-d 1 --side up", 2, "up"),
+    R("pick_and_side", kSq, "--pick 1,1 --side left", 2, "excludes"),
+    R("through_without_pick", kSq, "--through --side left", 2, "--pick"),
+    R("zero_eps", kSq, "+ --eps 0", 2, "--eps"),
+    R("unknown_corners", kSq, "+ --corners bevel", 2, "bevel"),
+    R("all_loops_with_sharp_corners", kSq, "+ --corners sharp --all-loops", 2, "--all-loops"),
+    // Outputs that would overwrite the input or each other.
+    R("svg_is_the_input", kSq, "+ --svg square.txt", 2, "is the input file"),
+    R("output_is_the_input_through_a_link", kSq, "+ -o link.txt", 2, "is the input file"),
+    R("output_is_the_input_spelt_otherwise", kSq, "+ -o folder/../square.txt", 2,
+      "is the input file"),
+    R("output_is_a_hard_link_of_the_input", kSq, "+ -o hard.txt", 2, "is the input file"),
+    R("both_outputs_one_file", kSq, "+ -o a.dxf --svg ./a.dxf", 2, "the same file"),
+    R("both_outputs_standard_output", kSq, "+ -o - --svg -", 2, "the same file"),
+    // Outputs that cannot be written whole: the earlier out.dxf stays.
+    R("full_device", kSq, "+ -o out.dxf --svg /dev/full", 2, "No space left"),
+    R("file_size_limit", "gasket.dxf", "+ -o out.dxf", 2, "File too large",
+      "trap '' XFSZ; ulimit -f 4;"),
+    R("output_folder_missing", kSq, "+ -o no/such/o.dxf", 2, "no/such/o.dxf"),
+    // Inputs that cannot be read whole.
+    R("missing_file", "nothere.dxf", "", 2, "nothere.dxf"),
+    R("directory", "folder", "", 2, "directory"),
+    R("endless_line", "/dev/zero", "", 2, "line 1 is longer"),
+    R("input_too_large", kSq, "", 2, "the 256 MiB"),
+    R("malformed_vertex", "bad_number.txt", "", 2, "bad_number.txt:4: malformed y '1O'"),
+    R("text_ends_early", "short.txt", "", 2, "short.txt:3"),
+    R("huge_coordinate", "huge.txt", "", 2, "1e12"),
+    R("empty_file", "empty.dxf", "", 2, "is empty"),
+    R("not_a_drawing", "junk.dxf", "", 2, "not a DXF group"),
+    R("binary_dxf", "binary.dxf", "", 2, "binary DXF is not supported"),
+    R("no_polylines", "points.dxf", "", 2, "holds no LWPOLY"),
+    R("only_3d_polylines", "only3d.dxf", "", 2, "only 1 left out"),
+    R("dxf_cut_short", "dxf_truncated_in_vertex_list.dxf", "", 2,
+      "line 842: the drawing ends inside LWPOLYLINE (handle 38)"),
+    R("vertex_count_too_small", "dxf_count_lies_less.dxf", "", 2,
+      "line 12: LWPOLYLINE (handle 2A) announces 2 vertices"),
+    R("vertex_count_2_to_the_30", "dxf_lwpolyline_count_1073741824_segv.dxf", "", 2,
+      "line 12: LWPOLYLINE (handle 2A): count 1073741824"),
+    R("nan_coordinate", "dxf_nan_coordinate_read_as_0.dxf", "", 2,
+      "line 20: LWPOLYLINE (handle 2A): 'nan'"),
+    R("word_coordinate", "dxf_garbage_coordinate_read_as_number.dxf", "", 2,
+      "line 20: LWPOLYLINE (handle 2A): 'abc'"),
+    R("number_with_a_tail", "xyz.dxf", "", 2, "line 22: LWPOLYLINE (handle 2A): '12xyz'"),
+    // Runs that write: a pipe read as a file, a device written in place, standard output.
+    R("piped_input", "/dev/stdin", "", 0, "closed 4", "cat square.txt |"),
+    R("device_output", kSq, "+ -o /dev/null", 0, "wrote /dev/null"),
+    R("dxf_to_standard_output", kSq, "+ -o -", 0, "\nEOF\n"),
+    // Polylines left without an offset, each with the reason.
+    R("pick_on_the_polyline", kSq, "-d 1 --pick 0,5", 1,
+      "polyline 1 not offset: the pick point lies on it"),
+    R("pick_beyond_an_open_end", "two.txt", "-d 1 --pick=-5,-5", 1,
+      "polyline 2 not offset: its distance from the pick point cannot be measured"),
+    R("collapse", "circle.txt", "-d 8 --side inside", 1, "polyline 1 not offset: it collapses"),
+    R("open_polyline_has_no_inside", "two.txt", "-d 1 --side inside", 1,
+      "polyline 2 not offset: it is open"),
+    R("sharp_corners_fall_back_to_round", "fallback.txt", "-d 3.496 --side inside", 0,
+      "polyline 1: its offset cannot be made with sharp corners"),
+    R("3d_polyline_left_out", "mixed.dxf", "", 1,
+      "left out polyline (handle 3A, layer WALLS): a 3D polyline")};
+
+INSTANTIATE_TEST_SUITE_P(Tool, Commands, ::testing::ValuesIn(kCommands),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 // ---- What is written ---------------------------------------------------------------------
 
