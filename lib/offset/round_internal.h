@@ -111,6 +111,13 @@ class PieceTree {
   template <class Visit>
   bool visit(int limit, const PieceBox& query, double reach, Visit&& visit) const;
 
+  /// Calls visit(id, query) for the ids whose boxes come nearer to `query` than reach, nearer
+  /// subtrees first, until visit returns true; visit may shrink the query as it goes (what is
+  /// left to search), and subtrees beyond the new query are skipped. Returns whether visit
+  /// returned true.
+  template <class Visit>
+  bool visitNearestFirst(PieceBox& query, double reach, Visit&& visit) const;
+
  private:
   int leaves_ = 1;
   int count_ = 0;
@@ -147,6 +154,23 @@ bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, d
   return false;
 }
 
+/// The full circle of radius r about (cx, cy), as an arc piece.
+Piece fullCircle(double cx, double cy, double r);
+
+// ---- Clearing what lies too near the input (round_clear.cpp) ---------------------------------
+
+/// A part of a raw piece: parameters a to b along it.
+struct PieceSpan {
+  int piece;
+  double a, b;
+};
+
+/// The parts of the raw pieces that may belong to the offset, in order along the raw curve: a
+/// piece flagged in `crowded` loses every part that some input segment other than its own
+/// source (for a moved segment) comes nearer to than lim; other pieces stay whole.
+void clearTooNear(const RoundInput& in, const std::vector<Piece>& raw, const PieceTree& inputIndex,
+                  double lim, const std::vector<char>& crowded, std::vector<PieceSpan>& spans);
+
 // ---- Meeting points and distances (round_slice.cpp) -------------------------------------------
 
 /// Points where the pieces a and b meet, within both (tol slack at the ends), at most two, into
@@ -155,7 +179,10 @@ bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, d
 int meetPoints(const Piece& a, const Piece& b, double tol, double (*pts)[2]);
 
 /// A cut of the raw curve: piece and parameter, the node it belongs to, the point, and the
-/// piece that crosses there (-1 at an end of an open chain or the circle about an input end).
+/// piece that crosses there (-1 at an end of an open chain or the circle about an input end,
+/// kClearedRun where a cleared run begins or ends).
+constexpr int kClearedRun = -2;
+
 struct Cut {
   int piece;
   double t;
@@ -247,6 +274,41 @@ bool PieceTree::visit(int limit, const PieceBox& query, double reach, Visit&& vi
     const int half = e.size / 2;
     stack[top++] = {2 * e.node + 1, e.first + half, half};
     stack[top++] = {2 * e.node, e.first, half};
+  }
+  return false;
+}
+
+template <class Visit>
+bool PieceTree::visitNearestFirst(PieceBox& query, double reach, Visit&& visit) const {
+  struct Entry {
+    int node, first, size;
+  };
+  Entry stack[64];
+  const double reach2 = reach * reach;
+  int top = 0;
+  stack[top++] = {1, 0, leaves_};
+  while (top > 0) {
+    const Entry e = stack[--top];
+    if (e.first >= count_ || !(boxGapSquared(nodes_[static_cast<size_t>(e.node)], query) <= reach2))
+      continue;
+    if (e.size == 1) {
+      if (visit(e.first, query))
+        return true;
+      continue;
+    }
+    const int half = e.size / 2;
+    const Entry lo{2 * e.node, e.first, half}, hi{2 * e.node + 1, e.first + half, half};
+    // The subtree whose box is centred nearer the middle of the query first: where long
+    // segments cross, most boxes overlap the query, and the centres still tell them apart.
+    const auto centreGap = [&](int node) {
+      const PieceBox& b = nodes_[static_cast<size_t>(node)];
+      const double dx = b.xmin + b.xmax - query.xmin - query.xmax;
+      const double dy = b.ymin + b.ymax - query.ymin - query.ymax;
+      return dx * dx + dy * dy;
+    };
+    const bool hiNearer = centreGap(hi.node) < centreGap(lo.node);
+    stack[top++] = hiNearer ? lo : hi;
+    stack[top++] = hiNearer ? hi : lo;
   }
   return false;
 }
