@@ -113,41 +113,83 @@ bool removeBand(const Piece& p, const Piece& seg, double lim, std::vector<PieceS
   return removed;
 }
 
-// Whether the straight segment seg stays at least lim from every span of p that is an arc of a
-// half turn or less or a line: such a span lies within its sagitta of its chord, and two
-// segments that do not cross are nearest at an end of one of them. A cheap test that spares
-// the exact one for most segments near a short span.
-bool lineMissesSpans(const Piece& p, const Piece& seg, double lim,
-                     const std::vector<PieceSpan>& spans) {
-  if (seg.isArc())
-    return false;
-  const double sweep = std::fabs(p.sweep);
-  if (p.isArc() && sweep * (spans.back().b - spans.front().a) > kPi)
-    return false;
+// Least distance from the segment (x0, y0)-(x1, y1) to seg: never more than the true one.
+// Segments that do not cross are nearest at an end of one of them; an arc whose sweep no point
+// of the segment faces (seen from its centre) is nearest at one of its ends, else it is no
+// nearer than its circle.
+double segmentGapBound(const Piece& seg, double x0, double y0, double x1, double y1) {
+  Piece chord;
+  chord.x0 = x0;
+  chord.y0 = y0;
+  chord.x1 = x1;
+  chord.y1 = y1;
   const auto side = [](double ax, double ay, double bx, double by, double x, double y) {
     return (bx - ax) * (y - ay) - (by - ay) * (x - ax);
   };
-  for (const PieceSpan& s : spans) {
-    Piece chord;
-    pointOnPiece(p, s.a, &chord.x0, &chord.y0);
-    pointOnPiece(p, s.b, &chord.x1, &chord.y1);
-    const double half = length(chord.x1 - chord.x0, chord.y1 - chord.y0) / 2.0;
-    // r (1 - cos(theta/2)) = half tan(theta/4), theta the span's sweep.
-    const double sagitta = p.isArc() ? half * std::tan(sweep * (s.b - s.a) / 4.0) : 0.0;
-    const double need = lim + sagitta;
-    const bool crosses = side(seg.x0, seg.y0, seg.x1, seg.y1, chord.x0, chord.y0) *
-                                 side(seg.x0, seg.y0, seg.x1, seg.y1, chord.x1, chord.y1) <=
-                             0.0 &&
-                         side(chord.x0, chord.y0, chord.x1, chord.y1, seg.x0, seg.y0) *
-                                 side(chord.x0, chord.y0, chord.x1, chord.y1, seg.x1, seg.y1) <=
-                             0.0;
-    if (crosses || distanceToPiece(seg, chord.x0, chord.y0) < need ||
-        distanceToPiece(seg, chord.x1, chord.y1) < need ||
-        distanceToPiece(chord, seg.x0, seg.y0) < need ||
-        distanceToPiece(chord, seg.x1, seg.y1) < need)
-      return false;
+  const double toEnds =
+      std::min(distanceToPiece(chord, seg.x0, seg.y0), distanceToPiece(chord, seg.x1, seg.y1));
+  if (!seg.isArc()) {
+    const bool crosses =
+        side(seg.x0, seg.y0, seg.x1, seg.y1, x0, y0) *
+                side(seg.x0, seg.y0, seg.x1, seg.y1, x1, y1) <=
+            0.0 &&
+        side(x0, y0, x1, y1, seg.x0, seg.y0) * side(x0, y0, x1, y1, seg.x1, seg.y1) <= 0.0;
+    if (crosses)
+      return 0.0;
+    return std::min({toEnds, distanceToPiece(seg, x0, y0), distanceToPiece(seg, x1, y1)});
   }
-  return true;
+  // Whether some direction from the centre to the chord lies on the arc: a chord end does, or
+  // an arc end lies between the directions to the chord's ends (the chord misses the centre).
+  const double ax = x0 - seg.cx, ay = y0 - seg.cy, bx = x1 - seg.cx, by = y1 - seg.cy;
+  const double turn = ax * by - ay * bx;
+  const auto between = [&](double wx, double wy) {
+    return turn * (ax * wy - ay * wx) >= 0.0 && turn * (wx * by - wy * bx) >= 0.0 &&
+           ax * wx + ay * wy + bx * wx + by * wy > 0.0;
+  };
+  const bool faces = side(x0, y0, x1, y1, seg.cx, seg.cy) == 0.0 || directionOnArc(seg, ax, ay) ||
+                     directionOnArc(seg, bx, by) || between(seg.x0 - seg.cx, seg.y0 - seg.cy) ||
+                     between(seg.x1 - seg.cx, seg.y1 - seg.cy);
+  if (!faces)
+    return toEnds;
+  const double near = distanceToPiece(chord, seg.cx, seg.cy);
+  const double far = std::max(length(ax, ay), length(bx, by));
+  return seg.r < near ? near - seg.r : seg.r > far ? seg.r - far : 0.0;
+}
+
+// A span of a piece seen from afar: its chord, and how far the span strays from it.
+struct SpanChord {
+  double x0, y0, x1, y1, sagitta;
+};
+
+// The chords of the spans of p, or none when some span is an arc of more than a half turn (it
+// does not stay within its sagitta of its chord).
+void spanChords(const Piece& p, const std::vector<PieceSpan>& spans,
+                std::vector<SpanChord>& chords) {
+  chords.clear();
+  const double sweep = std::fabs(p.sweep);
+  for (const PieceSpan& s : spans) {
+    if (p.isArc() && sweep * (s.b - s.a) > kPi) {
+      chords.clear();
+      return;
+    }
+    SpanChord c;
+    pointOnPiece(p, s.a, &c.x0, &c.y0);
+    pointOnPiece(p, s.b, &c.x1, &c.y1);
+    // r (1 - cos(theta/2)) = (chord/2) tan(theta/4), theta the span's sweep.
+    c.sagitta = p.isArc()
+                    ? length(c.x1 - c.x0, c.y1 - c.y0) / 2.0 * std::tan(sweep * (s.b - s.a) / 4.0)
+                    : 0.0;
+    chords.push_back(c);
+  }
+}
+
+// Whether seg stays at least lim from every span with these chords: a cheap test that spares
+// the exact one for most segments near short spans.
+bool segmentMissesChords(const Piece& seg, double lim, const std::vector<SpanChord>& chords) {
+  for (const SpanChord& c : chords)
+    if (segmentGapBound(seg, c.x0, c.y0, c.x1, c.y1) < lim + c.sagitta)
+      return false;
+  return !chords.empty();
 }
 
 // The box of the spans of p.
@@ -182,6 +224,7 @@ void clearTooNear(const RoundInput& in, const std::vector<Piece>& raw, const Pie
   const int segCount = static_cast<int>(in.segs.size());
   std::vector<int> seenBy(static_cast<size_t>(segCount), -1);  // the piece that tried a segment
   std::vector<PieceSpan> left, scratch;
+  std::vector<SpanChord> chords;
   for (int i = 0; i < static_cast<int>(raw.size()); ++i) {
     if (!crowded[static_cast<size_t>(i)]) {
       spans.push_back({i, 0.0, 1.0});
@@ -197,6 +240,7 @@ void clearTooNear(const RoundInput& in, const std::vector<Piece>& raw, const Pie
       mx = (query.xmin + query.xmax) / 2.0;
       my = (query.ymin + query.ymax) / 2.0;
       reach = lim + length(query.xmax - query.xmin, query.ymax - query.ymin) / 2.0;
+      spanChords(p, left, chords);
     };
     // Whether segment e, not tried before for this piece, took something away.
     const auto tryRemove = [&](int e) {
@@ -204,7 +248,7 @@ void clearTooNear(const RoundInput& in, const std::vector<Piece>& raw, const Pie
         return false;  // a moved segment keeps |d| from its own source
       seenBy[static_cast<size_t>(e)] = i;
       const Piece& seg = in.segs[static_cast<size_t>(e)];
-      return distanceToPiece(seg, mx, my) < reach && !lineMissesSpans(p, seg, lim, left) &&
+      return distanceToPiece(seg, mx, my) < reach && !segmentMissesChords(seg, lim, chords) &&
              removeBand(p, seg, lim, left, scratch);
     };
     aroundLeft();
