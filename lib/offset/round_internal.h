@@ -119,10 +119,21 @@ class PieceTree {
   bool visitNearestFirst(PieceBox& query, double reach, Visit&& visit) const;
 
  private:
+  template <bool kNearestFirst, class Visit>
+  bool walk(int limit, PieceBox& query, double reach, Visit&& visit) const;
+
   int leaves_ = 1;
   int count_ = 0;
   std::vector<PieceBox> nodes_;  // 1-based heap: node k has children 2k and 2k + 1
 };
+
+/// The union of boxes[first] to boxes[last - 1] (first < last).
+inline PieceBox unitedBoxes(const std::vector<PieceBox>& boxes, int first, int last) {
+  PieceBox run = boxes[static_cast<size_t>(first)];
+  for (int i = first + 1; i < last; ++i)
+    run = unite(run, boxes[static_cast<size_t>(i)]);
+  return run;
+}
 
 /// Calls visit(i, j) for every pair j < i whose boxes come nearer than reach, until visit
 /// returns true; returns whether it did. The tree holds the same boxes. Neighbouring ids lie
@@ -136,9 +147,7 @@ bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, d
   const double reach2 = reach * reach;
   for (int first = 0; first < count; first += kRun) {
     const int last = std::min(count, first + kRun);
-    PieceBox run = boxes[static_cast<size_t>(first)];
-    for (int i = first + 1; i < last; ++i)
-      run = unite(run, boxes[static_cast<size_t>(i)]);
+    const PieceBox run = unitedBoxes(boxes, first, last);
     near.clear();
     tree.visit(last - 1, run, reach, [&](int j) {
       near.push_back(j);
@@ -252,6 +261,17 @@ void PieceTree::build(int count, BoxOf&& boxOf) {
 
 template <class Visit>
 bool PieceTree::visit(int limit, const PieceBox& query, double reach, Visit&& visit) const {
+  PieceBox fixed = query;
+  return walk<false>(limit, fixed, reach, [&](int id, PieceBox&) { return visit(id); });
+}
+
+template <class Visit>
+bool PieceTree::visitNearestFirst(PieceBox& query, double reach, Visit&& visit) const {
+  return walk<true>(count_, query, reach, visit);
+}
+
+template <bool kNearestFirst, class Visit>
+bool PieceTree::walk(int limit, PieceBox& query, double reach, Visit&& visit) const {
   if (limit > count_)
     limit = count_;
   // (node, first leaf id below it, leaf count): a node whose first id reaches the limit is out.
@@ -267,48 +287,26 @@ bool PieceTree::visit(int limit, const PieceBox& query, double reach, Visit&& vi
     if (e.first >= limit || !(boxGapSquared(nodes_[static_cast<size_t>(e.node)], query) <= reach2))
       continue;
     if (e.size == 1) {
-      if (visit(e.first))
-        return true;
-      continue;
-    }
-    const int half = e.size / 2;
-    stack[top++] = {2 * e.node + 1, e.first + half, half};
-    stack[top++] = {2 * e.node, e.first, half};
-  }
-  return false;
-}
-
-template <class Visit>
-bool PieceTree::visitNearestFirst(PieceBox& query, double reach, Visit&& visit) const {
-  struct Entry {
-    int node, first, size;
-  };
-  Entry stack[64];
-  const double reach2 = reach * reach;
-  int top = 0;
-  stack[top++] = {1, 0, leaves_};
-  while (top > 0) {
-    const Entry e = stack[--top];
-    if (e.first >= count_ || !(boxGapSquared(nodes_[static_cast<size_t>(e.node)], query) <= reach2))
-      continue;
-    if (e.size == 1) {
       if (visit(e.first, query))
         return true;
       continue;
     }
     const int half = e.size / 2;
     const Entry lo{2 * e.node, e.first, half}, hi{2 * e.node + 1, e.first + half, half};
-    // The subtree whose box is centred nearer the middle of the query first: where long
-    // segments cross, most boxes overlap the query, and the centres still tell them apart.
-    const auto centreGap = [&](int node) {
-      const PieceBox& b = nodes_[static_cast<size_t>(node)];
-      const double dx = b.xmin + b.xmax - query.xmin - query.xmax;
-      const double dy = b.ymin + b.ymax - query.ymin - query.ymax;
-      return dx * dx + dy * dy;
-    };
-    const bool hiNearer = centreGap(hi.node) < centreGap(lo.node);
-    stack[top++] = hiNearer ? lo : hi;
-    stack[top++] = hiNearer ? hi : lo;
+    bool hiFirst = false;
+    if (kNearestFirst) {
+      // The subtree whose box is centred nearer the middle of the query first: where long
+      // segments cross, most boxes overlap the query, and the centres still tell them apart.
+      const auto centreGap = [&](int node) {
+        const PieceBox& b = nodes_[static_cast<size_t>(node)];
+        const double dx = b.xmin + b.xmax - query.xmin - query.xmax;
+        const double dy = b.ymin + b.ymax - query.ymin - query.ymax;
+        return dx * dx + dy * dy;
+      };
+      hiFirst = centreGap(hi.node) < centreGap(lo.node);
+    }
+    stack[top++] = hiFirst ? lo : hi;
+    stack[top++] = hiFirst ? hi : lo;
   }
   return false;
 }

@@ -335,9 +335,7 @@ std::vector<char> crowdedPieces(const PieceTree& index, const std::vector<PieceB
   any = false;
   for (int first = 0; first < count; first += kRun) {
     const int last = std::min(count, first + kRun);
-    PieceBox run = boxes[static_cast<size_t>(first)];
-    for (int i = first + 1; i < last; ++i)
-      run = unite(run, boxes[static_cast<size_t>(i)]);
+    const PieceBox run = unitedBoxes(boxes, first, last);
     near.clear();
     const bool full = index.visit(count, run, 0.0, [&](int j) {
       near.push_back(j);
@@ -522,9 +520,13 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
                    [&](int e) { return segBoxes[static_cast<size_t>(e)]; });
   const double lim = ad - std::min(tol, ad / 2.0);
 
-  // Where the raw curve is crowded, what lies too near the input is cleared first.
+  // Where the raw curve is crowded, what lies too near the input is cleared first; not where
+  // round-off is large against the distance (a drawing far larger than it), as there the slack
+  // of the crossings reaches across the margin between what clearing keeps and what it drops.
   bool anyCrowded = false;
-  const std::vector<char> crowded = crowdedPieces(index, boxes, anyCrowded);
+  std::vector<char> crowded(raw.size(), 0);
+  if (4.0 * tol <= ad)
+    crowded = crowdedPieces(index, boxes, anyCrowded);
   CurveParts parts{nullptr, &raw, &boxes, &index};
   std::vector<PieceSpan> spans;
   std::vector<Piece> partPieces;
@@ -602,6 +604,7 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
   // Whether every fragment of a slice must be measured (open or self-crossing input), found
   // when a slice first needs it.
   int measureAll = -1;
+
   std::vector<Piece> frags;
   std::vector<PieceBox> fragBoxes;
   std::vector<int> near;
@@ -609,20 +612,22 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
     if (empty[static_cast<size_t>(k)] || (k + 1 == cutCount && !in.closed))
       continue;
     Slice slice{k, k + 1 == cutCount ? 0 : k + 1, false};
-    // A run that reaches into a cleared one lies too near the input like it; one made of what
-    // clearing left of crowded pieces keeps lim from the input throughout.
+    // A run that reaches into a cleared one lies too near the input like it. One made only of
+    // what clearing left of crowded pieces keeps lim from the input but for round-off: of a
+    // closed input its middle point is asked, as of an input that does not cross itself, which
+    // spares finding out whether the input crosses itself where nothing else needs it.
     if (cuts[static_cast<size_t>(slice.from)].other == kClearedRun ||
         cuts[static_cast<size_t>(slice.to)].other == kClearedRun) {
       slice.kept = false;
     } else {
-      bool cleared = anyCrowded;
+      bool cleared = anyCrowded && in.closed;
       forEachFragment(out, slice, count, in.closed, [&](int p, double, double) {
         cleared = cleared && crowded[static_cast<size_t>(p)];
       });
       if (!cleared && measureAll < 0)
         measureAll = !in.closed || crossesItself(in, inputIndex, segBoxes, tol) ? 1 : 0;
-      slice.kept = cleared || sliceKeepsAway(in, raw, inputIndex, out, slice, lim, measureAll == 1,
-                                             segBoxes, frags, fragBoxes, near);
+      slice.kept = sliceKeepsAway(in, raw, inputIndex, out, slice, lim, !cleared && measureAll == 1,
+                                  segBoxes, frags, fragBoxes, near);
     }
     out.slices.push_back(slice);
   }
