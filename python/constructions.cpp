@@ -450,6 +450,19 @@ py::tuple lines(int count, double const (*pts)[2], bool fromFirst) {
 
 void defineTangents(py::module_& m) {
   m.def(
+      "common_tangents",
+      [](Point c1, double r1, Point c2, double r2, double eps) {
+        double pts[8][2];
+        int count = 0;
+        return lines(DTangLof2Cir(eps, c1[0], c1[1], r1, c2[0], c2[1], r2, pts, &count), pts,
+                     false);
+      },
+      "centre1"_a, "radius1"_a, "centre2"_a, "radius2"_a, py::kw_only(), "eps"_a = kDefaultEps,
+      "The common tangents of two circles as (point on circle 1, point on circle 2) pairs: the "
+      "two outer ones, then for circles apart by more than eps the two inner ones. Empty when "
+      "one circle lies within the other.");
+
+  m.def(
       "parallel_tangents",
       [](Point c, double r, Point p1, Point p2, double eps) {
         double pts[4][2];

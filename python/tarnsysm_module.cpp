@@ -593,23 +593,6 @@ PYBIND11_MODULE(tarnsysm, m) {
       "non-finite ones, or points within eps of a line.");
 
   m.def(
-      "common_tangents",
-      [](Point c1, double r1, Point c2, double r2, double eps) {
-        double pts[8][2];
-        int count = 0;
-        const int lines = DTangLof2Cir(eps, c1[0], c1[1], r1, c2[0], c2[1], r2, pts, &count);
-        py::tuple t(static_cast<std::size_t>(lines));
-        for (int i = 0; i < lines; ++i)
-          t[static_cast<std::size_t>(i)] = py::make_tuple(
-              tup({pts[2 * i][0], pts[2 * i][1]}), tup({pts[2 * i + 1][0], pts[2 * i + 1][1]}));
-        return t;
-      },
-      "centre1"_a, "radius1"_a, "centre2"_a, "radius2"_a, py::kw_only(), "eps"_a = kDefaultEps,
-      "The common tangents of two circles as (point on circle 1, point on circle 2) pairs: the "
-      "two outer ones, then for circles apart by more than eps the two inner ones. Empty when "
-      "one circle lies within the other.");
-
-  m.def(
       "tangent_points",
       [](Point c, double r, Point p, std::optional<std::array<double, 2>> arc, double eps) {
         Point a{}, b{};
