@@ -308,6 +308,18 @@ void defineArcs(py::module_& m) {
        kArcResult + " Raises ValueError when the arc is not finite.")
           .c_str());
 
+  m.def(
+      "arc_extents",
+      [](Point c, double r, double start, double end, double eps) {
+        Point lo{}, hi{};
+        get_arc_box(eps, c.data(), r, start, end, &lo[0], &lo[1], &hi[0], &hi[1]);
+        return py::make_tuple(tup(lo), tup(hi));
+      },
+      "centre"_a, "radius"_a, "start"_a, "end"_a, py::kw_only(), "eps"_a = kDefaultEps,
+      "((xmin, ymin), (xmax, ymax)), the axis-aligned box of the arc swept counter-clockwise "
+      "from start to end (end >= start, as arc_from_bulge gives them). Quadrant points within "
+      "eps of the start angle are not added.");
+
   constexpr char const* kSegmentResult =
       " Returns (bulge, end, direction): the bulge of the row at start, the end point, and the "
       "direction of travel there, in [-eps, 2 pi).";

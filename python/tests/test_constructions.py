@@ -9,6 +9,7 @@ from test_curves import H, close
 
 T = tarnsysm
 Q = math.tan(math.pi / 8)  # the bulge of a quarter circle
+S = math.sqrt(0.5)
 X_AXIS, Y_AXIS = ((-10, 0), (10, 0)), ((0, -10), (0, 10))
 
 
@@ -83,6 +84,8 @@ UPPER = ((0, 0), 1, 0, math.pi)
         ("arc by start direction", lambda: T.arc_from_direction((1, 0), math.pi / 2, (-1, 0)), UPPER + (False,)),
         ("arc by radius", lambda: T.arc_from_radius((1, 0), 1, (0, 1)), ((0, 0), 1, 0, math.pi / 2, False)),
         ("arc by chord", lambda: T.arc_from_chord((1, 0), math.pi / 2, 1, 3 * math.pi / 4), ((0, 0), 1, 0, math.pi / 2, False)),
+        # From (1, 0) through the quadrant point (0, 1) to (-S, S).
+        ("box of an arc", lambda: T.arc_extents((0, 0), 1, 0, 0.75 * math.pi), ((-S, 0), (1, 1))),
         ("segment through three points", lambda: T.bulge_from_points((1, 0), (0, 1), (-1, 0)), (1, (-1, 0), 1.5 * math.pi)),
         ("segment by included angle", lambda: T.bulge_from_angle((1, 0), math.pi, (-1, 0)), (1, (-1, 0), 1.5 * math.pi)),
         ("segment by start direction", lambda: T.bulge_from_direction((1, 0), math.pi / 2, (-1, 0)),
@@ -127,8 +130,6 @@ def test_arcs_and_segments_refused(name, call, reason):
     with pytest.raises(ValueError, match=reason):
         call()
 
-
-S = math.sqrt(0.5)
 
 
 @pytest.mark.parametrize(
