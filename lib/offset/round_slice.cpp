@@ -255,9 +255,10 @@ Cut cutOnPart(const std::vector<Piece>& raw, const CurveParts& parts, int k, dou
 
 // Cuts where the parts of the raw curve meet one another. Parts that continue one another share
 // an end: where they meet along a common tangent nothing else can be shared, otherwise only
-// their other meeting points count. Parts of one raw piece never meet.
-void selfCuts(const RoundInput& in, const std::vector<Piece>& raw, const CurveParts& parts,
-              double tol, std::vector<Cut>& cuts, int& nodes) {
+// their other meeting points count. Parts of one raw piece never meet. Gives up (false) after
+// `budget` pairs of overlapping boxes (none: no limit).
+bool selfCuts(const RoundInput& in, const std::vector<Piece>& raw, const CurveParts& parts,
+              double tol, long long budget, std::vector<Cut>& cuts, int& nodes) {
   const int count = static_cast<int>(raw.size());
   const int partCount = parts.count();
   // Whether part i starts where part j ends.
@@ -267,10 +268,12 @@ void selfCuts(const RoundInput& in, const std::vector<Piece>& raw, const CurvePa
            (b.piece == a.piece + 1 || (in.closed && a.piece == count - 1 && b.piece == 0));
   };
   std::vector<int> near;
-  visitNearPairs(*parts.index, *parts.boxes, 0.0, near, [&](int i, int j) {
+  return !visitNearPairs(*parts.index, *parts.boxes, 0.0, near, [&](int i, int j) {
     const int pieceI = parts.span(i).piece, pieceJ = parts.span(j).piece;
     if (pieceI == pieceJ)
       return false;
+    if (budget >= 0 && --budget < 0)
+      return true;
     const Piece& p = (*parts.pieces)[static_cast<size_t>(i)];
     const Piece& q = (*parts.pieces)[static_cast<size_t>(j)];
     const bool afterQ = j == i - 1 && continues(j, i);
@@ -520,40 +523,47 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
                    [&](int e) { return segBoxes[static_cast<size_t>(e)]; });
   const double lim = ad - std::min(tol, ad / 2.0);
 
-  // Where the raw curve is crowded, what lies too near the input is cleared first; not where
-  // round-off is large against the distance (a drawing far larger than it), as there the slack
-  // of the crossings reaches across the margin between what clearing keeps and what it drops.
+  // The crossings are searched among the raw pieces as they are, while their boxes meet only a
+  // few others on average. Where the raw curve folds over itself again and again they meet
+  // many: then what lies too near the input is cleared from the crowded pieces first, and the
+  // search runs again on what is left. Not where round-off is large against the distance (a
+  // drawing far larger than it): there the slack of the crossings reaches across the margin
+  // between what clearing keeps and what it drops.
+  constexpr long long kPairsPerPiece = 4;  // a plain outline meets one: its neighbour
+  std::vector<Cut>& cuts = out.cuts;
+  int nodes = 0;
   bool anyCrowded = false;
   std::vector<char> crowded(raw.size(), 0);
-  if (4.0 * tol <= ad)
-    crowded = crowdedPieces(index, boxes, anyCrowded);
   CurveParts parts{nullptr, &raw, &boxes, &index};
   std::vector<PieceSpan> spans;
   std::vector<Piece> partPieces;
   std::vector<PieceBox> partBoxes;
   PieceTree partIndex;
-  if (anyCrowded) {
-    clearTooNear(in, raw, inputIndex, lim, crowded, spans);
-    if (spans.empty())
-      return;  // nothing is far enough from the input
-    partPieces.reserve(spans.size());
-    partBoxes.reserve(spans.size());
-    for (const PieceSpan& s : spans) {
-      const Piece& p = raw[static_cast<size_t>(s.piece)];
-      double xa, ya, xb, yb;
-      pointOnPiece(p, s.a, &xa, &ya);
-      pointOnPiece(p, s.b, &xb, &yb);
-      partPieces.push_back(subPiece(p, s.a, s.b, xa, ya, xb, yb));
-      partBoxes.push_back(pieceBox(partPieces.back(), tol));
+  const bool mayClear = 4.0 * tol <= ad;
+  if (!selfCuts(in, raw, parts, tol, mayClear ? kPairsPerPiece * count : -1, cuts, nodes)) {
+    cuts.clear();
+    nodes = 0;
+    crowded = crowdedPieces(index, boxes, anyCrowded);
+    if (anyCrowded) {
+      clearTooNear(in, raw, inputIndex, lim, crowded, spans);
+      if (spans.empty())
+        return;  // nothing is far enough from the input
+      partPieces.reserve(spans.size());
+      partBoxes.reserve(spans.size());
+      for (const PieceSpan& s : spans) {
+        const Piece& p = raw[static_cast<size_t>(s.piece)];
+        double xa, ya, xb, yb;
+        pointOnPiece(p, s.a, &xa, &ya);
+        pointOnPiece(p, s.b, &xb, &yb);
+        partPieces.push_back(subPiece(p, s.a, s.b, xa, ya, xb, yb));
+        partBoxes.push_back(pieceBox(partPieces.back(), tol));
+      }
+      partIndex.build(static_cast<int>(spans.size()),
+                      [&](int k) { return partBoxes[static_cast<size_t>(k)]; });
+      parts = CurveParts{&spans, &partPieces, &partBoxes, &partIndex};
     }
-    partIndex.build(static_cast<int>(spans.size()),
-                    [&](int k) { return partBoxes[static_cast<size_t>(k)]; });
-    parts = CurveParts{&spans, &partPieces, &partBoxes, &partIndex};
+    selfCuts(in, raw, parts, tol, -1, cuts, nodes);
   }
-
-  std::vector<Cut>& cuts = out.cuts;
-  int nodes = 0;
-  selfCuts(in, raw, parts, tol, cuts, nodes);
   if (anyCrowded)
     clearedCuts(in, raw, spans, cuts, nodes);
   if (!in.closed)
