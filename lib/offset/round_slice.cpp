@@ -527,9 +527,10 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
   // few others on average. Where the raw curve folds over itself again and again they meet
   // many: then what lies too near the input is cleared from the crowded pieces first, and the
   // search runs again on what is left. Not where round-off is large against the distance (a
-  // drawing far larger than it): there the slack of the crossings reaches across the margin
-  // between what clearing keeps and what it drops.
-  constexpr long long kPairsPerPiece = 4;  // a plain outline meets one: its neighbour
+  // drawing far larger than it), where the slack of the crossings reaches across the margin
+  // between what clearing keeps and what it drops, nor for distances whose squares overflow.
+  constexpr long long kPairsPerPiece = 4;     // a plain outline meets one: its neighbour
+  constexpr double kLargestDistance = 1e100;  // as the input's extent: squared lengths stay finite
   std::vector<Cut>& cuts = out.cuts;
   int nodes = 0;
   bool anyCrowded = false;
@@ -539,7 +540,7 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
   std::vector<Piece> partPieces;
   std::vector<PieceBox> partBoxes;
   PieceTree partIndex;
-  const bool mayClear = 4.0 * tol <= ad;
+  const bool mayClear = 4.0 * tol <= ad && ad < kLargestDistance;
   if (!selfCuts(in, raw, parts, tol, mayClear ? kPairsPerPiece * count : -1, cuts, nodes)) {
     cuts.clear();
     nodes = 0;
@@ -623,9 +624,8 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
       continue;
     Slice slice{k, k + 1 == cutCount ? 0 : k + 1, false};
     // A run that reaches into a cleared one lies too near the input like it. One made only of
-    // what clearing left of crowded pieces keeps lim from the input but for round-off: of a
-    // closed input its middle point is asked, as of an input that does not cross itself, which
-    // spares finding out whether the input crosses itself where nothing else needs it.
+    // what clearing left of crowded pieces of a closed input keeps lim from it throughout: it
+    // needs no measuring, nor the test whether the input crosses itself.
     if (cuts[static_cast<size_t>(slice.from)].other == kClearedRun ||
         cuts[static_cast<size_t>(slice.to)].other == kClearedRun) {
       slice.kept = false;
@@ -636,8 +636,8 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
       });
       if (!cleared && measureAll < 0)
         measureAll = !in.closed || crossesItself(in, inputIndex, segBoxes, tol) ? 1 : 0;
-      slice.kept = sliceKeepsAway(in, raw, inputIndex, out, slice, lim, !cleared && measureAll == 1,
-                                  segBoxes, frags, fragBoxes, near);
+      slice.kept = cleared || sliceKeepsAway(in, raw, inputIndex, out, slice, lim, measureAll == 1,
+                                             segBoxes, frags, fragBoxes, near);
     }
     out.slices.push_back(slice);
   }
