@@ -118,9 +118,9 @@ const OffsetCase kCases[] = {
     {ShapeKind::kGear, Side::kOutward, 0.5, {1000, 10000, 100000}},
     {ShapeKind::kRoundedRect, Side::kInward, 5.0, {1000, 10000, 100000}},
     {ShapeKind::kRoundedRect, Side::kOutward, 5.0, {1000, 10000, 100000}},
-    // Heavy self-intersection: quadratic behaviour shows already at 10,000.
-    {ShapeKind::kStar, Side::kInward, 2.0, {1000, 10000}},
-    {ShapeKind::kStar, Side::kInward, 10.0, {1000, 10000}},
+    // Heavy self-intersection of the raw offset: a search over all its crossings is quadratic.
+    {ShapeKind::kStar, Side::kInward, 2.0, {1000, 10000, 100000}},
+    {ShapeKind::kStar, Side::kInward, 10.0, {1000, 10000, 100000}},
 };
 
 // ---- Hostile shapes ---------------------------------------------------------------------------

@@ -248,11 +248,13 @@ TARNSYSM_API int IntersPLine(double eps, int k, double px, double py, int closed
 // source row at whose vertex or segment it lies. The last row of an open piece that ends where
 // the input ends keeps fields 3 and 4 of the input's last row.
 //
-// Tolerances: rows closer than eps merge; a bulge within (-eps, eps) is straight; a point of the
-// offset counts as too near the input when it is nearer than |dist| - tol, where tol is eps
-// raised to 1e-12 of the drawing's extent (its coordinates, its arcs' radii and |dist|) where
-// that is larger, so round-off alone never drops a piece, and lowered to |dist|/2 where that is
-// smaller. Crossings closer than tol along the offset count as one.
+// Tolerances: rows closer than eps merge into one that keeps the later row's bulge and
+// attributes (the segment that leaves the point is the later row's), and for a closed polyline
+// last rows closer than eps to the first are dropped; a bulge within (-eps, eps) is straight; a
+// point of the offset counts as too near the input when it is nearer than |dist| - tol, where tol
+// is eps raised to 1e-12 of the drawing's extent (its coordinates, its arcs' radii and |dist|)
+// where that is larger, so round-off alone never drops a piece, and lowered to |dist|/2 where that
+// is smaller. Crossings closer than tol along the offset count as one.
 //
 // Bad input gives 0: n < 1, null rows, eps negative or not finite, a non-finite coordinate or
 // bulge among the n rows (fields 3 and 4 may hold anything), dist not finite or |dist| < eps,

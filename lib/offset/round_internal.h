@@ -111,11 +111,29 @@ class PieceTree {
   template <class Visit>
   bool visit(int limit, const PieceBox& query, double reach, Visit&& visit) const;
 
+  /// Calls visit(id, query) for the ids whose boxes come nearer to `query` than reach, nearer
+  /// subtrees first, until visit returns true; visit may shrink the query as it goes (what is
+  /// left to search), and subtrees beyond the new query are skipped. Returns whether visit
+  /// returned true.
+  template <class Visit>
+  bool visitNearestFirst(PieceBox& query, double reach, Visit&& visit) const;
+
  private:
+  template <bool kNearestFirst, class Visit>
+  bool walk(int limit, PieceBox& query, double reach, Visit&& visit) const;
+
   int leaves_ = 1;
   int count_ = 0;
   std::vector<PieceBox> nodes_;  // 1-based heap: node k has children 2k and 2k + 1
 };
+
+/// The union of boxes[first] to boxes[last - 1] (first < last).
+inline PieceBox unitedBoxes(const std::vector<PieceBox>& boxes, int first, int last) {
+  PieceBox run = boxes[static_cast<size_t>(first)];
+  for (int i = first + 1; i < last; ++i)
+    run = unite(run, boxes[static_cast<size_t>(i)]);
+  return run;
+}
 
 /// Calls visit(i, j) for every pair j < i whose boxes come nearer than reach, until visit
 /// returns true; returns whether it did. The tree holds the same boxes. Neighbouring ids lie
@@ -129,9 +147,7 @@ bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, d
   const double reach2 = reach * reach;
   for (int first = 0; first < count; first += kRun) {
     const int last = std::min(count, first + kRun);
-    PieceBox run = boxes[static_cast<size_t>(first)];
-    for (int i = first + 1; i < last; ++i)
-      run = unite(run, boxes[static_cast<size_t>(i)]);
+    const PieceBox run = unitedBoxes(boxes, first, last);
     near.clear();
     tree.visit(last - 1, run, reach, [&](int j) {
       near.push_back(j);
@@ -147,6 +163,23 @@ bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, d
   return false;
 }
 
+/// The full circle of radius r about (cx, cy), as an arc piece.
+Piece fullCircle(double cx, double cy, double r);
+
+// ---- Clearing what lies too near the input (round_clear.cpp) ---------------------------------
+
+/// A part of a raw piece: parameters a to b along it.
+struct PieceSpan {
+  int piece;
+  double a, b;
+};
+
+/// The parts of the raw pieces that may belong to the offset, in order along the raw curve: a
+/// piece flagged in `crowded` loses every part that some input segment other than its own
+/// source (for a moved segment) comes nearer to than lim; other pieces stay whole.
+void clearTooNear(const RoundInput& in, const std::vector<Piece>& raw, const PieceTree& inputIndex,
+                  double lim, const std::vector<char>& crowded, std::vector<PieceSpan>& spans);
+
 // ---- Meeting points and distances (round_slice.cpp) -------------------------------------------
 
 /// Points where the pieces a and b meet, within both (tol slack at the ends), at most two, into
@@ -155,7 +188,10 @@ bool visitNearPairs(const PieceTree& tree, const std::vector<PieceBox>& boxes, d
 int meetPoints(const Piece& a, const Piece& b, double tol, double (*pts)[2]);
 
 /// A cut of the raw curve: piece and parameter, the node it belongs to, the point, and the
-/// piece that crosses there (-1 at an end of an open chain or the circle about an input end).
+/// piece that crosses there (-1 at an end of an open chain or the circle about an input end,
+/// kClearedRun where a cleared run begins or ends).
+constexpr int kClearedRun = -2;
+
 struct Cut {
   int piece;
   double t;
@@ -225,6 +261,17 @@ void PieceTree::build(int count, BoxOf&& boxOf) {
 
 template <class Visit>
 bool PieceTree::visit(int limit, const PieceBox& query, double reach, Visit&& visit) const {
+  PieceBox fixed = query;
+  return walk<false>(limit, fixed, reach, [&](int id, PieceBox&) { return visit(id); });
+}
+
+template <class Visit>
+bool PieceTree::visitNearestFirst(PieceBox& query, double reach, Visit&& visit) const {
+  return walk<true>(count_, query, reach, visit);
+}
+
+template <bool kNearestFirst, class Visit>
+bool PieceTree::walk(int limit, PieceBox& query, double reach, Visit&& visit) const {
   if (limit > count_)
     limit = count_;
   // (node, first leaf id below it, leaf count): a node whose first id reaches the limit is out.
@@ -240,13 +287,26 @@ bool PieceTree::visit(int limit, const PieceBox& query, double reach, Visit&& vi
     if (e.first >= limit || !(boxGapSquared(nodes_[static_cast<size_t>(e.node)], query) <= reach2))
       continue;
     if (e.size == 1) {
-      if (visit(e.first))
+      if (visit(e.first, query))
         return true;
       continue;
     }
     const int half = e.size / 2;
-    stack[top++] = {2 * e.node + 1, e.first + half, half};
-    stack[top++] = {2 * e.node, e.first, half};
+    const Entry lo{2 * e.node, e.first, half}, hi{2 * e.node + 1, e.first + half, half};
+    bool hiFirst = false;
+    if (kNearestFirst) {
+      // The subtree whose box is centred nearer the middle of the query first: where long
+      // segments cross, most boxes overlap the query, and the centres still tell them apart.
+      const auto centreGap = [&](int node) {
+        const PieceBox& b = nodes_[static_cast<size_t>(node)];
+        const double dx = b.xmin + b.xmax - query.xmin - query.xmax;
+        const double dy = b.ymin + b.ymax - query.ymin - query.ymax;
+        return dx * dx + dy * dy;
+      };
+      hiFirst = centreGap(hi.node) < centreGap(lo.node);
+    }
+    stack[top++] = hiFirst ? lo : hi;
+    stack[top++] = hiFirst ? hi : lo;
   }
   return false;
 }

@@ -231,19 +231,53 @@ class UnionFind {
   std::vector<int> parent_;
 };
 
-// Cuts where the raw curve meets itself. Neighbouring pieces share an end: where they meet
-// along a common tangent nothing else can be shared, otherwise only their other meeting points
-// count.
-void selfCuts(const RoundInput& in, const std::vector<Piece>& raw, double tol,
-              const PieceTree& index, const std::vector<PieceBox>& boxes, std::vector<Cut>& cuts,
-              int& nodes) {
+// The parts of the raw curve that take part in the search for crossings: the raw pieces
+// themselves, or where some were cleared, what is left of them.
+struct CurveParts {
+  const std::vector<PieceSpan>* spans = nullptr;  // null: every raw piece whole
+  const std::vector<Piece>* pieces = nullptr;
+  const std::vector<PieceBox>* boxes = nullptr;  // grown by tol
+  const PieceTree* index = nullptr;
+
+  int count() const { return static_cast<int>(pieces->size()); }
+  PieceSpan span(int k) const {
+    return spans ? (*spans)[static_cast<size_t>(k)] : PieceSpan{k, 0.0, 1.0};
+  }
+};
+
+// A cut on the raw piece of part k at (x, y), its parameter kept within the part.
+Cut cutOnPart(const std::vector<Piece>& raw, const CurveParts& parts, int k, double x, double y,
+              int node, int other) {
+  const PieceSpan s = parts.span(k);
+  const double t = parameterOnPiece(raw[static_cast<size_t>(s.piece)], x, y);
+  return {s.piece, std::clamp(t, s.a, s.b), node, x, y, other};
+}
+
+// Cuts where the parts of the raw curve meet one another. Parts that continue one another share
+// an end: where they meet along a common tangent nothing else can be shared, otherwise only
+// their other meeting points count. Parts of one raw piece never meet. Gives up (false) after
+// `budget` pairs of overlapping boxes (none: no limit).
+bool selfCuts(const RoundInput& in, const std::vector<Piece>& raw, const CurveParts& parts,
+              double tol, long long budget, std::vector<Cut>& cuts, int& nodes) {
   const int count = static_cast<int>(raw.size());
+  const int partCount = parts.count();
+  // Whether part i starts where part j ends.
+  const auto continues = [&](int j, int i) {
+    const PieceSpan a = parts.span(j), b = parts.span(i);
+    return a.b == 1.0 && b.a == 0.0 &&
+           (b.piece == a.piece + 1 || (in.closed && a.piece == count - 1 && b.piece == 0));
+  };
   std::vector<int> near;
-  visitNearPairs(index, boxes, 0.0, near, [&](int i, int j) {
-    const Piece& p = raw[static_cast<size_t>(i)];
-    const Piece& q = raw[static_cast<size_t>(j)];
-    const bool afterQ = j == i - 1;
-    const bool beforeQ = in.closed && j == 0 && i == count - 1;
+  return !visitNearPairs(*parts.index, *parts.boxes, 0.0, near, [&](int i, int j) {
+    const int pieceI = parts.span(i).piece, pieceJ = parts.span(j).piece;
+    if (pieceI == pieceJ)
+      return false;
+    if (budget >= 0 && --budget < 0)
+      return true;
+    const Piece& p = (*parts.pieces)[static_cast<size_t>(i)];
+    const Piece& q = (*parts.pieces)[static_cast<size_t>(j)];
+    const bool afterQ = j == i - 1 && continues(j, i);
+    const bool beforeQ = j == 0 && i == partCount - 1 && continues(i, j);
     if ((afterQ || beforeQ) && (!afterQ || p.smoothStart) && (!beforeQ || q.smoothStart))
       return false;
     double pts[2][2];
@@ -253,40 +287,95 @@ void selfCuts(const RoundInput& in, const std::vector<Piece>& raw, double tol,
       if ((afterQ && length(x - p.x0, y - p.y0) <= tol) ||
           (beforeQ && length(x - q.x0, y - q.y0) <= tol))
         continue;
-      cuts.push_back({i, std::clamp(parameterOnPiece(p, x, y), 0.0, 1.0), nodes, x, y, j});
-      cuts.push_back({j, std::clamp(parameterOnPiece(q, x, y), 0.0, 1.0), nodes, x, y, i});
+      cuts.push_back(cutOnPart(raw, parts, i, x, y, nodes, pieceJ));
+      cuts.push_back(cutOnPart(raw, parts, j, x, y, nodes, pieceI));
       ++nodes;
     }
     return false;
   });
 }
 
+// Cuts where a cleared run of the raw curve begins or ends (the ends of an open chain are no
+// such place).
+void clearedCuts(const RoundInput& in, const std::vector<Piece>& raw,
+                 const std::vector<PieceSpan>& spans, std::vector<Cut>& cuts, int& nodes) {
+  const int count = static_cast<int>(raw.size());
+  const int partCount = static_cast<int>(spans.size());
+  for (int k = 0; k < partCount; ++k) {
+    const PieceSpan& s = spans[static_cast<size_t>(k)];
+    const PieceSpan& prev = spans[static_cast<size_t>((k + partCount - 1) % partCount)];
+    const PieceSpan& next = spans[static_cast<size_t>((k + 1) % partCount)];
+    const bool chainStart = !in.closed && s.piece == 0 && s.a == 0.0;
+    const bool chainEnd = !in.closed && s.piece == count - 1 && s.b == 1.0;
+    const bool before = !chainStart && !(s.a == 0.0 && prev.b == 1.0 &&
+                                         prev.piece == (s.piece + count - 1) % count);
+    const bool after =
+        !chainEnd && !(s.b == 1.0 && next.a == 0.0 && next.piece == (s.piece + 1) % count);
+    const Piece& p = raw[static_cast<size_t>(s.piece)];
+    double x, y;
+    if (before) {
+      pointOnPiece(p, s.a, &x, &y);
+      cuts.push_back({s.piece, s.a, nodes++, x, y, kClearedRun});
+    }
+    if (after) {
+      pointOnPiece(p, s.b, &x, &y);
+      cuts.push_back({s.piece, s.b, nodes++, x, y, kClearedRun});
+    }
+  }
+}
+
+// Raw pieces whose boxes meet the boxes of kCrowded others or more: where the raw curve folds
+// over itself again and again. A walk of the tree serves a run of neighbouring pieces, as in
+// visitNearPairs, and stops where the run's surroundings are crowded themselves.
+std::vector<char> crowdedPieces(const PieceTree& index, const std::vector<PieceBox>& boxes,
+                                bool& any) {
+  constexpr int kCrowded = 12;
+  constexpr int kRun = 8;
+  constexpr size_t kRunReach = 4 * kCrowded;
+  const int count = static_cast<int>(boxes.size());
+  std::vector<char> crowded(static_cast<size_t>(count), 0);
+  std::vector<int> near;
+  any = false;
+  for (int first = 0; first < count; first += kRun) {
+    const int last = std::min(count, first + kRun);
+    const PieceBox run = unitedBoxes(boxes, first, last);
+    near.clear();
+    const bool full = index.visit(count, run, 0.0, [&](int j) {
+      near.push_back(j);
+      return near.size() > kRunReach;
+    });
+    for (int i = first; i < last; ++i) {
+      int meets = 0;
+      for (int j : near)
+        meets += j != i &&
+                 boxGapSquared(boxes[static_cast<size_t>(i)], boxes[static_cast<size_t>(j)]) <= 0.0;
+      // Where the run's surroundings are crowded, every piece of it counts as crowded.
+      crowded[static_cast<size_t>(i)] = full || meets >= kCrowded;
+      any = any || crowded[static_cast<size_t>(i)];
+    }
+  }
+  return crowded;
+}
+
 // Cuts where the raw offset of an open input enters the circle of radius |d| about either end,
 // and the raw curve's own two ends.
-void endCuts(const RoundInput& in, const std::vector<Piece>& raw, double ad, double tol,
-             const PieceTree& index, std::vector<Cut>& cuts, int& nodes) {
+void endCuts(const RoundInput& in, const std::vector<Piece>& raw, const CurveParts& parts,
+             double ad, double tol, std::vector<Cut>& cuts, int& nodes) {
   const int count = static_cast<int>(raw.size());
   for (int end = 0; end < 2; ++end) {
     const double* row = in.row(end == 0 ? 0 : in.rowCount - 1);
-    Piece circle;
-    circle.cx = row[0];
-    circle.cy = row[1];
-    circle.r = ad;
-    circle.sweep = kTwoPi;
-    circle.x0 = circle.x1 = row[0] + ad;
-    circle.y0 = circle.y1 = row[1];
+    const Piece circle = fullCircle(row[0], row[1], ad);
     const int own = end == 0 ? 0 : count - 1;
     const Piece& ownPiece = raw[static_cast<size_t>(own)];
     const double ox = end == 0 ? ownPiece.x0 : ownPiece.x1;
     const double oy = end == 0 ? ownPiece.y0 : ownPiece.y1;
-    index.visit(count, pieceBox(circle, tol), 0.0, [&](int j) {
+    parts.index->visit(parts.count(), pieceBox(circle, tol), 0.0, [&](int j) {
       double pts[2][2];
-      const int found = meetPoints(raw[static_cast<size_t>(j)], circle, tol, pts);
+      const int found = meetPoints((*parts.pieces)[static_cast<size_t>(j)], circle, tol, pts);
       for (int k = 0; k < found; ++k) {
-        if (j == own && length(pts[k][0] - ox, pts[k][1] - oy) <= tol)
+        if (parts.span(j).piece == own && length(pts[k][0] - ox, pts[k][1] - oy) <= tol)
           continue;
-        const double t = parameterOnPiece(raw[static_cast<size_t>(j)], pts[k][0], pts[k][1]);
-        cuts.push_back({j, std::clamp(t, 0.0, 1.0), nodes++, pts[k][0], pts[k][1], -1});
+        cuts.push_back(cutOnPart(raw, parts, j, pts[k][0], pts[k][1], nodes++, -1));
       }
       return false;
     });
@@ -425,11 +514,61 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
     boxes.push_back(pieceBox(p, tol));
   PieceTree index;
   index.build(count, [&](int i) { return boxes[static_cast<size_t>(i)]; });
+  std::vector<PieceBox> segBoxes;
+  segBoxes.reserve(in.segs.size());
+  for (const Piece& seg : in.segs)
+    segBoxes.push_back(pieceBox(seg, 0.0));
+  PieceTree inputIndex;
+  inputIndex.build(static_cast<int>(in.segs.size()),
+                   [&](int e) { return segBoxes[static_cast<size_t>(e)]; });
+  const double lim = ad - std::min(tol, ad / 2.0);
+
+  // The crossings are searched among the raw pieces as they are, while their boxes meet only a
+  // few others on average. Where the raw curve folds over itself again and again they meet
+  // many: then what lies too near the input is cleared from the crowded pieces first, and the
+  // search runs again on what is left. Not where round-off is large against the distance (a
+  // drawing far larger than it), where the slack of the crossings reaches across the margin
+  // between what clearing keeps and what it drops, nor for distances whose squares overflow.
+  constexpr long long kPairsPerPiece = 4;     // a plain outline meets one: its neighbour
+  constexpr double kLargestDistance = 1e100;  // as the input's extent: squared lengths stay finite
   std::vector<Cut>& cuts = out.cuts;
   int nodes = 0;
-  selfCuts(in, raw, tol, index, boxes, cuts, nodes);
+  bool anyCrowded = false;
+  std::vector<char> crowded(raw.size(), 0);
+  CurveParts parts{nullptr, &raw, &boxes, &index};
+  std::vector<PieceSpan> spans;
+  std::vector<Piece> partPieces;
+  std::vector<PieceBox> partBoxes;
+  PieceTree partIndex;
+  const bool mayClear = 4.0 * tol <= ad && ad < kLargestDistance;
+  if (!selfCuts(in, raw, parts, tol, mayClear ? kPairsPerPiece * count : -1, cuts, nodes)) {
+    cuts.clear();
+    nodes = 0;
+    crowded = crowdedPieces(index, boxes, anyCrowded);
+    if (anyCrowded) {
+      clearTooNear(in, raw, inputIndex, lim, crowded, spans);
+      if (spans.empty())
+        return;  // nothing is far enough from the input
+      partPieces.reserve(spans.size());
+      partBoxes.reserve(spans.size());
+      for (const PieceSpan& s : spans) {
+        const Piece& p = raw[static_cast<size_t>(s.piece)];
+        double xa, ya, xb, yb;
+        pointOnPiece(p, s.a, &xa, &ya);
+        pointOnPiece(p, s.b, &xb, &yb);
+        partPieces.push_back(subPiece(p, s.a, s.b, xa, ya, xb, yb));
+        partBoxes.push_back(pieceBox(partPieces.back(), tol));
+      }
+      partIndex.build(static_cast<int>(spans.size()),
+                      [&](int k) { return partBoxes[static_cast<size_t>(k)]; });
+      parts = CurveParts{&spans, &partPieces, &partBoxes, &partIndex};
+    }
+    selfCuts(in, raw, parts, tol, -1, cuts, nodes);
+  }
+  if (anyCrowded)
+    clearedCuts(in, raw, spans, cuts, nodes);
   if (!in.closed)
-    endCuts(in, raw, ad, tol, index, cuts, nodes);
+    endCuts(in, raw, parts, ad, tol, cuts, nodes);
   else if (cuts.empty())
     cuts.push_back({0, 0.0, nodes++, raw[0].x0, raw[0].y0, -1});
   std::stable_sort(cuts.begin(), cuts.end(), [](const Cut& a, const Cut& b) {
@@ -473,14 +612,10 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
     out.nodeOf[static_cast<size_t>(k)] = id;
   }
 
-  std::vector<PieceBox> segBoxes;
-  for (const Piece& seg : in.segs)
-    segBoxes.push_back(pieceBox(seg, 0.0));
-  PieceTree inputIndex;
-  inputIndex.build(static_cast<int>(in.segs.size()),
-                   [&](int e) { return segBoxes[static_cast<size_t>(e)]; });
-  const double lim = ad - std::min(tol, ad / 2.0);
-  const bool measureAll = !in.closed || crossesItself(in, inputIndex, segBoxes, tol);
+  // Whether every fragment of a slice must be measured (open or self-crossing input), found
+  // when a slice first needs it.
+  int measureAll = -1;
+
   std::vector<Piece> frags;
   std::vector<PieceBox> fragBoxes;
   std::vector<int> near;
@@ -488,8 +623,22 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
     if (empty[static_cast<size_t>(k)] || (k + 1 == cutCount && !in.closed))
       continue;
     Slice slice{k, k + 1 == cutCount ? 0 : k + 1, false};
-    slice.kept = sliceKeepsAway(in, raw, inputIndex, out, slice, lim, measureAll, segBoxes, frags,
-                                boxes, near);
+    // A run that reaches into a cleared one lies too near the input like it. One made only of
+    // what clearing left of crowded pieces of a closed input keeps lim from it throughout: it
+    // needs no measuring, nor the test whether the input crosses itself.
+    if (cuts[static_cast<size_t>(slice.from)].other == kClearedRun ||
+        cuts[static_cast<size_t>(slice.to)].other == kClearedRun) {
+      slice.kept = false;
+    } else {
+      bool cleared = anyCrowded && in.closed;
+      forEachFragment(out, slice, count, in.closed, [&](int p, double, double) {
+        cleared = cleared && crowded[static_cast<size_t>(p)];
+      });
+      if (!cleared && measureAll < 0)
+        measureAll = !in.closed || crossesItself(in, inputIndex, segBoxes, tol) ? 1 : 0;
+      slice.kept = cleared || sliceKeepsAway(in, raw, inputIndex, out, slice, lim, measureAll == 1,
+                                             segBoxes, frags, fragBoxes, near);
+    }
     out.slices.push_back(slice);
   }
 }

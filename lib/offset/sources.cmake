@@ -10,8 +10,9 @@ list(APPEND TARNSYSM_SOURCES
   offset/segment_index.cpp
   offset/trim.cpp
   offset/trim_segments.cpp)
-# The round-corner offset: raw offset, slicing, stitching.
+# The round-corner offset: raw offset, clearing, slicing, stitching.
 list(APPEND TARNSYSM_SOURCES
   offset/round_raw.cpp
+  offset/round_clear.cpp
   offset/round_slice.cpp
   offset/round_stitch.cpp)
