@@ -19,7 +19,7 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 // Adding and subtracting 1.5 * 2^52 rounds |v| < 2^51 to the nearest integer (ties to even).
 constexpr double kRoundToInteger = 0x1.8p52;
 
-double nearestInteger(double v) {
+inline double nearestInteger(double v) {
   return (v + kRoundToInteger) - kRoundToInteger;
 }
 
@@ -30,37 +30,31 @@ struct Pair {
 };
 
 // hi + lo == a + b exactly (Knuth).
-Pair twoSum(double a, double b) {
+inline Pair twoSum(double a, double b) {
   const double s = a + b;
   const double bv = s - a;
   return {s, (a - (s - bv)) + (b - bv)};
 }
 
 // hi + lo == a + b exactly, provided |a| >= |b| or a == 0 (Dekker).
-Pair fastTwoSum(double a, double b) {
+inline Pair fastTwoSum(double a, double b) {
   const double s = a + b;
   return {s, b - (s - a)};
 }
 
 // a == hi + lo with at most 26 significant bits in each half, so products of halves are exact.
-Pair split(double a) {
+inline Pair split(double a) {
   const double c = 134217729.0 * a;  // 2^27 + 1
   const double hi = c - (c - a);
   return {hi, a - hi};
 }
 
 // hi + lo == a * b exactly, for |a|, |b| well inside the normal range (Dekker, without fma).
-Pair twoProduct(double a, double b) {
+inline Pair twoProduct(double a, double b) {
   const double p = a * b;
   const Pair as = split(a);
   const Pair bs = split(b);
   return {p, ((as.hi * bs.hi - p) + as.hi * bs.lo + as.lo * bs.hi) + as.lo * bs.lo};
-}
-
-// a - b for pairs, rounded back to a pair.
-Pair subtract(Pair a, Pair b) {
-  const Pair s = twoSum(a.hi, -b.hi);
-  return fastTwoSum(s.hi, s.lo + (a.lo - b.lo));
 }
 
 double fromBits(std::uint64_t bits) {
@@ -75,7 +69,7 @@ std::uint64_t toBits(double v) {
   return bits;
 }
 
-double negateIf(bool negative, double v) {
+inline double negateIf(bool negative, double v) {
   return negative ? -v : v;
 }
 
@@ -147,27 +141,36 @@ Reduced reduce(double x) {
 // S and C near-minimax on [0, (pi/4)^2] (errors below 1e-20 and 2e-18). The leading terms a^3 / 6
 // and z / 2 are formed exactly, so only the small rest carries rounding error.
 
-constexpr Pair kMinusSixth = {-0x1.5555555555555p-3, -0x1.5555555555555p-57};
+// -1/6 = kSixthHead + kSixthTail, the head short enough for an exact product.
+constexpr double kSixthHead = -0x1.555555p-3;
+constexpr double kSixthTail = -0x1.5555555555555p-29;
 constexpr double kS[] = {0x1.1111111111110p-7,   -0x1.a01a01a019938p-13, 0x1.71de3a546095bp-19,
                          -0x1.ae645412c560cp-26, 0x1.61217f0b800d5p-33,  -0x1.ab17d404de5b3p-41};
 constexpr double kC[] = {0x1.5555555555555p-5,   -0x1.6c16c16c16967p-10, 0x1.a01a019f4eb01p-16,
                          -0x1.27e4fa17da09ep-22, 0x1.1eeb68e93b64cp-29,  -0x1.907da367a37cbp-37};
 
+// c x exactly when c has at most 26 significant bits.
+inline Pair shortProduct(double c, double x) {
+  const double p = c * x;
+  const Pair xs = split(x);
+  return {p, (c * xs.hi - p) + c * xs.lo};
+}
+
 // sin r as a pair.
-Pair sinParts(double a, double b) {
+inline Pair sinParts(double a, double b) {
   const Pair z = twoProduct(a, a);
   const Pair cube = twoProduct(a, z.hi);
-  const Pair lead = twoProduct(cube.hi, kMinusSixth.hi);
+  const Pair lead = shortProduct(kSixthHead, cube.hi);
   const double zh = z.hi;
   const double s = kS[0] + zh * (kS[1] + zh * (kS[2] + zh * (kS[3] + zh * (kS[4] + zh * kS[5]))));
-  const double rest = lead.lo + (cube.lo + a * z.lo) * kMinusSixth.hi + cube.hi * kMinusSixth.lo +
+  const double rest = lead.lo + (cube.lo + a * z.lo) * kSixthHead + cube.hi * kSixthTail +
                       cube.hi * zh * s + (b - 0.5 * zh * b);
   const Pair head = fastTwoSum(a, lead.hi);
   return fastTwoSum(head.hi, head.lo + rest);
 }
 
 // cos r as a pair: w = 1 - z / 2 rounded plus the rest, its rounding error included.
-Pair cosParts(double a, double b) {
+inline Pair cosParts(double a, double b) {
   const Pair z = twoProduct(a, a);
   const double zh = z.hi;
   const double c = kC[0] + zh * (kC[1] + zh * (kC[2] + zh * (kC[3] + zh * (kC[4] + zh * kC[5]))));
@@ -176,7 +179,7 @@ Pair cosParts(double a, double b) {
   return fastTwoSum(w, ((1.0 - w) - hz) + ((zh * zh * c - 0.5 * z.lo) - a * b));
 }
 
-double sum(Pair p) {
+inline double sum(Pair p) {
   return p.hi + p.lo;
 }
 
@@ -207,16 +210,9 @@ constexpr Pair kAtanSixteenths[] = {{0.0, 0.0},
                                     {0.7531512809621944, -2.4256934659182068e-17},
                                     {0.7853981633974483, 3.061616997868383e-17}};
 
-// c x exactly when c has at most 26 significant bits (c = k / 16 has five).
-Pair shortProduct(double c, double x) {
-  const double p = c * x;
-  const Pair xs = split(x);
-  return {p, (c * xs.hi - p) + c * xs.lo};
-}
-
 // num / den for pairs, den.hi well inside the normal range: the quotient times 1 / den.hi,
 // corrected once by the exact residual.
-Pair divide(Pair num, Pair den) {
+inline Pair divide(Pair num, Pair den) {
   const double inv = 1.0 / den.hi;
   const double q = num.hi * inv;
   const Pair p = twoProduct(q, den.hi);
@@ -224,7 +220,7 @@ Pair divide(Pair num, Pair den) {
 }
 
 // atan(num / den) for pairs with 0 <= num <= den, both well inside the normal range.
-Pair atanUnit(Pair num, Pair den) {
+inline Pair atanUnit(Pair num, Pair den) {
   const int k = static_cast<int>(num.hi / den.hi * 16.0 + 0.5);
   Pair t;
   if (k == 0) {
@@ -249,12 +245,19 @@ Pair atanUnit(Pair num, Pair den) {
   return {s.hi, s.lo + (base.lo + (t.lo + poly))};
 }
 
-// atan(num / den) for 0 <= num, 0 < den, both well inside the normal range: the smaller over the
-// larger, so the quotient lies in [0, 1].
-Pair atanRatio(Pair num, Pair den) {
-  if (num.hi <= den.hi)
-    return atanUnit(num, den);
-  return subtract(kHalfPiPair, atanUnit(den, num));
+// The angle of the point (x, y) for pairs y >= 0, x > 0 well inside the normal range, mirrored to
+// (-x, y) when mirrored is set: in [0, pi]. The smaller coordinate over the larger keeps the
+// quotient in [0, 1]; the angle is then offset + atan or offset - atan, rounded once.
+inline double angleOf(Pair y, Pair x, bool mirrored) {
+  const bool steep = y.hi > x.hi;
+  const Pair a = steep ? atanUnit(x, y) : atanUnit(y, x);
+  // Offsets: flat 0, steep pi/2 - a; mirrored flat pi - a, mirrored steep pi/2 + a.
+  const Pair offset = steep ? kHalfPiPair : (mirrored ? kPiPair : Pair{0.0, 0.0});
+  const bool subtract = steep != mirrored;
+  const double ah = subtract ? -a.hi : a.hi;
+  const double al = subtract ? -a.lo : a.lo;
+  const Pair s = fastTwoSum(offset.hi, ah);  // the offset, when not 0, is at least pi/2 >= 2 a
+  return s.hi + (s.lo + (offset.lo + al));
 }
 
 // sqrt(1 - x^2) as a pair for 2^-57 <= x < 1: 1 - x and 1 + x with their rounding errors,
@@ -318,15 +321,10 @@ double atan(double x) {
   const double ax = std::fabs(x);
   if (std::isnan(x) || ax < kTinyAngle)
     return x;
-  if (ax <= 1.0) {
-    const Pair a = atanUnit({ax, 0.0}, {1.0, 0.0});
-    return negateIf(x < 0.0, sum(a));
-  }
   // Beyond 2^60, pi/2 - 1/x rounds to pi/2 (infinity included).
   if (ax >= 0x1p60)
     return negateIf(x < 0.0, kHalfPiPair.hi);
-  const Pair a = atanRatio({ax, 0.0}, {1.0, 0.0});
-  return negateIf(x < 0.0, sum(a));
+  return negateIf(x < 0.0, angleOf({ax, 0.0}, {1.0, 0.0}, false));
 }
 
 double atan2(double y, double x) {
@@ -351,24 +349,16 @@ double atan2(double y, double x) {
       angle = kHalfPiPair.hi;
     return negateIf(negY, angle);
   }
-  Pair a;
-  if (ay * 0x1p60 <= ax) {
-    // atan q = q to the last bit (q may even be subnormal).
-    a = {ay / ax, 0.0};
-  } else if (ax * 0x1p60 <= ay) {
-    a = kHalfPiPair;
-  } else {
-    // The ratio stays within 2^60 of 1, so one common power of two brings both well inside the
-    // normal range, exactly, and the exact products of the division step cannot overflow.
-    const double larger = ax > ay ? ax : ay;
-    const double scale = larger > 0x1p500 ? 0x1p-600 : (larger < 0x1p-500 ? 0x1p600 : 1.0);
-    ax *= scale;
-    ay *= scale;
-    a = atanRatio({ay, 0.0}, {ax, 0.0});
-  }
-  if (negX)
-    a = subtract(kPiPair, a);
-  return negateIf(negY, sum(a));
+  // atan q = q to the last bit below 2^-60 (q may even be subnormal), and pi/2 - q = pi/2.
+  if (ay * 0x1p60 <= ax)
+    return negateIf(negY, negX ? kPiPair.hi : ay / ax);
+  if (ax * 0x1p60 <= ay)
+    return negateIf(negY, kHalfPiPair.hi);
+  // The ratio stays within 2^60 of 1, so one common power of two brings both well inside the
+  // normal range, exactly, and the exact products of the division step cannot overflow.
+  const double larger = ax > ay ? ax : ay;
+  const double scale = larger > 0x1p500 ? 0x1p-600 : (larger < 0x1p-500 ? 0x1p600 : 1.0);
+  return negateIf(negY, angleOf({ay * scale, 0.0}, {ax * scale, 0.0}, negX));
 }
 
 double asin(double x) {
@@ -378,8 +368,7 @@ double asin(double x) {
   if (ax >= 1.0)
     return ax == 1.0 ? negateIf(x < 0.0, kHalfPiPair.hi) : kNaN;
   // asin x = atan(x / sqrt(1 - x^2)).
-  const Pair a = atanRatio({ax, 0.0}, sqrtOneMinusSquare(ax));
-  return negateIf(x < 0.0, sum(a));
+  return negateIf(x < 0.0, angleOf({ax, 0.0}, sqrtOneMinusSquare(ax), false));
 }
 
 double acos(double x) {
@@ -392,10 +381,7 @@ double acos(double x) {
   if (ax < 0x1p-57)
     return kHalfPiPair.hi;
   // acos |x| = atan(sqrt(1 - x^2) / |x|), and acos x = pi - acos |x| for negative x.
-  Pair a = atanRatio(sqrtOneMinusSquare(ax), {ax, 0.0});
-  if (x < 0.0)
-    a = subtract(kPiPair, a);
-  return sum(a);
+  return angleOf(sqrtOneMinusSquare(ax), {ax, 0.0}, x < 0.0);
 }
 
 double powOneThird(double x) {
