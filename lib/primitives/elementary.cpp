@@ -328,12 +328,18 @@ double atan(double x) {
 }
 
 double atan2(double y, double x) {
-  if (std::isnan(x) || std::isnan(y))
-    return x + y;
   const bool negX = std::signbit(x);
   const bool negY = std::signbit(y);
-  double ax = std::fabs(x);
-  double ay = std::fabs(y);
+  const double ax = std::fabs(x);
+  const double ay = std::fabs(y);
+  // The everyday case first: a ratio within 2^60 of 1, both coordinates well inside the normal
+  // range (NaN, zeros and infinities all fail one of the tests).
+  const double larger = ax > ay ? ax : ay;
+  const double smaller = ax > ay ? ay : ax;
+  if (smaller * 0x1p60 > larger && larger < 0x1p500 && smaller > 0x1p-440)
+    return negateIf(negY, angleOf({ay, 0.0}, {ax, 0.0}, negX));
+  if (std::isnan(x) || std::isnan(y))
+    return x + y;
   // Zeros and infinities by the C library's rules.
   if (ay == 0.0)
     return negX ? negateIf(negY, kPiPair.hi) : y;
@@ -356,7 +362,6 @@ double atan2(double y, double x) {
     return negateIf(negY, kHalfPiPair.hi);
   // The ratio stays within 2^60 of 1, so one common power of two brings both well inside the
   // normal range, exactly, and the exact products of the division step cannot overflow.
-  const double larger = ax > ay ? ax : ay;
   const double scale = larger > 0x1p500 ? 0x1p-600 : (larger < 0x1p-500 ? 0x1p600 : 1.0);
   return negateIf(negY, angleOf({ay * scale, 0.0}, {ax * scale, 0.0}, negX));
 }
