@@ -1,5 +1,6 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
-// Benchmarks of the angle primitives and the polynomial solvers, on varied realistic inputs.
+// Benchmarks of the angle primitives, the polynomial solvers and the elementary functions, on
+// varied realistic inputs.
 #include <Tarnsysm.h>
 
 #include "primitives/internal.h"
@@ -7,6 +8,7 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <random>
 
@@ -149,5 +151,58 @@ void BM_SolveQuartic(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_SolveQuartic);
+
+// The library's elementary functions beside the C library's, on arguments spread uniformly over
+// [lo, hi] (both arguments alike for atan2).
+template <class F>
+void BM_Elementary(benchmark::State& state, F f, double lo, double hi) {
+  std::array<double, kCases> a{}, b{};
+  std::mt19937_64 rng(106);
+  std::uniform_real_distribution<double> arg(lo, hi);
+  for (std::size_t k = 0; k < kCases; ++k) {
+    a[k] = arg(rng);
+    b[k] = arg(rng);
+  }
+  std::size_t i = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(f(a[i & kMask], b[i & kMask]));
+    ++i;
+  }
+}
+
+namespace el = tarnsysm::detail::portable;
+BENCHMARK_CAPTURE(
+    BM_Elementary, sin, [](double x, double) { return el::sin(x); }, -kTwoPi, kTwoPi);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_sin, [](double x, double) { return std::sin(x); }, -kTwoPi, kTwoPi);
+BENCHMARK_CAPTURE(
+    BM_Elementary, cos, [](double x, double) { return el::cos(x); }, -kTwoPi, kTwoPi);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_cos, [](double x, double) { return std::cos(x); }, -kTwoPi, kTwoPi);
+BENCHMARK_CAPTURE(
+    BM_Elementary, tan, [](double x, double) { return el::tan(x); }, -kPi, kPi);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_tan, [](double x, double) { return std::tan(x); }, -kPi, kPi);
+BENCHMARK_CAPTURE(
+    BM_Elementary, atan, [](double x, double) { return el::atan(x); }, -10.0, 10.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_atan, [](double x, double) { return std::atan(x); }, -10.0, 10.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, atan2, [](double y, double x) { return el::atan2(y, x); }, -500.0, 500.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_atan2, [](double y, double x) { return std::atan2(y, x); }, -500.0, 500.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, asin, [](double x, double) { return el::asin(x); }, -1.0, 1.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_asin, [](double x, double) { return std::asin(x); }, -1.0, 1.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, acos, [](double x, double) { return el::acos(x); }, -1.0, 1.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_acos, [](double x, double) { return std::acos(x); }, -1.0, 1.0);
+BENCHMARK_CAPTURE(
+    BM_Elementary, pow_third, [](double x, double) { return el::powOneThird(x); }, 0.0, 1e6);
+BENCHMARK_CAPTURE(
+    BM_Elementary, std_pow_third, [](double x, double) { return std::pow(x, 1.0 / 3.0); }, 0.0,
+    1e6);
 
 }  // namespace

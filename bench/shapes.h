@@ -41,7 +41,7 @@ inline std::vector<ShapeVertex> radialVertices(int n, double rEven, double rOdd,
     const double a = 2.0 * detail::kPi * static_cast<double>(i) / static_cast<double>(n);
     const double r = i % 2 == 0 ? rEven : rOdd;
     const double b = i % 2 == 0 ? bulgeEven : bulgeOdd;
-    rows.push_back({r * std::cos(a), r * std::sin(a), b});
+    rows.push_back({r * detail::portable::cos(a), r * detail::portable::sin(a), b});
   }
   return rows;
 }
@@ -55,9 +55,10 @@ inline std::vector<ShapeVertex> spikyVertices(int n, double outer, double inner)
   const double x1 = rows[1].x, y1 = rows[1].y;
   const double x2 = rows[2].x, y2 = rows[2].y;
   // Angle at notch 1 between the directions to tip 0 and tip 2 (cross, dot).
-  const double gap = std::fabs(std::atan2((x0 - x1) * (y2 - y1) - (y0 - y1) * (x2 - x1),
-                                          (x0 - x1) * (x2 - x1) + (y0 - y1) * (y2 - y1)));
-  const double bulge = std::tan(gap / 2.0 / 4.0);  // included angle = gap / 2
+  const double gap =
+      std::fabs(detail::portable::atan2((x0 - x1) * (y2 - y1) - (y0 - y1) * (x2 - x1),
+                                        (x0 - x1) * (x2 - x1) + (y0 - y1) * (y2 - y1)));
+  const double bulge = detail::portable::tan(gap / 2.0 / 4.0);  // included angle = gap / 2
   for (int i = 0; i < n; ++i)
     rows[static_cast<std::size_t>(i)].bulge = i % 2 != 0 ? bulge : 0.0;
   return rows;
@@ -79,7 +80,7 @@ inline std::vector<ShapeVertex> withoutNegativeZeros(std::vector<ShapeVertex> ro
 inline std::vector<ShapeVertex> makeCircle(int n) {
   if (n < 4 || n % 2 != 0)
     throw std::invalid_argument("circle needs an even N >= 4");
-  const double arcBulge = std::tan(detail::kPi / (2.0 * static_cast<double>(n)));
+  const double arcBulge = detail::portable::tan(detail::kPi / (2.0 * static_cast<double>(n)));
   return shape_detail::withoutNegativeZeros(
       shape_detail::radialVertices(n, 100.0, 100.0, arcBulge, 0.0));
 }
@@ -108,7 +109,7 @@ inline std::vector<ShapeVertex> makeRoundedRect(int n) {
     throw std::invalid_argument("rrect needs N a multiple of 4, >= 8");
   const double hw = 100.0, hh = 50.0, r = 20.0;
   const int k = n / 4 - 1;  // straight segments per side
-  const double quarter = std::tan(detail::kPi / 8.0);
+  const double quarter = detail::portable::tan(detail::kPi / 8.0);
   // Each side runs counter-clockwise from the end of one corner arc to the start of the next;
   // the corner arc follows the side's last vertex.
   const double sides[4][4] = {

@@ -26,7 +26,7 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
     return degenerate();
 
   // theta becomes the included angle of the minor-or-half arc, side says where the centre is.
-  const double theta0 = 4.0 * std::atan(bulge);
+  const double theta0 = 4.0 * portable::atan(bulge);
   double theta = theta0;
   int side = 1;
   if (theta < -eps) {
@@ -37,7 +37,7 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
     side = -side;
     theta = kTwoPi - theta;
   }
-  const double h = std::sin(theta / 2.0);
+  const double h = portable::sin(theta / 2.0);
   // A zero bulge, or a chord that is a full turn; exactly 0 is straight whatever eps is.
   if (h == 0.0 || withinOpen(h, eps) || std::isnan(h))
     return degenerate();
@@ -46,8 +46,8 @@ int PL_ArcParam(double eps, double x1, double y1, double x2, double y2, double b
   double phi = 0.0;
   DAngle(eps, x1, y1, x2, y2, &phi);
   const double psi = side == 1 ? phi + kHalfPi - theta / 2.0 : phi - kHalfPi + theta / 2.0;
-  const double ccx = x1 + radius * std::cos(psi);
-  const double ccy = y1 + radius * std::sin(psi);
+  const double ccx = x1 + radius * portable::cos(psi);
+  const double ccy = y1 + radius * portable::sin(psi);
 
   double start = 0.0;
   double end = 0.0;
@@ -105,13 +105,13 @@ void get_arc_box(double eps, double* centre, double r, double sa, double ea, dou
                  double* ymin, double* xmax, double* ymax) {
   const double cx = centre[0];
   const double cy = centre[1];
-  const double sx = cx + r * std::cos(sa);
-  const double sy = cy + r * std::sin(sa);
+  const double sx = cx + r * portable::cos(sa);
+  const double sy = cy + r * portable::sin(sa);
   Box box{sx, sy, sx, sy};
 
   // The end point widens the box to one side without comparing with the other bound.
-  const double ex = cx + r * std::cos(ea);
-  const double ey = cy + r * std::sin(ea);
+  const double ex = cx + r * portable::cos(ea);
+  const double ey = cy + r * portable::sin(ea);
   if (ex >= box.xmin - eps) {
     box.xmax = ex;
   } else {

@@ -62,13 +62,13 @@ int writeTangentStartArc(double eps, const double* stp, const double* edp, doubl
   double start = 0.0;
   double end = 0.0;
   if (clockwise) {
-    cx = stp[0] + r * std::sin(a);
-    cy = stp[1] - r * std::cos(a);
+    cx = stp[0] + r * portable::sin(a);
+    cy = stp[1] - r * portable::cos(a);
     start = directionBetween(eps, cx, cy, edp[0], edp[1]);
     end = directionBetween(eps, cx, cy, stp[0], stp[1]);
   } else {
-    cx = stp[0] - r * std::sin(a);
-    cy = stp[1] + r * std::cos(a);
+    cx = stp[0] - r * portable::sin(a);
+    cy = stp[1] + r * portable::cos(a);
     start = directionBetween(eps, cx, cy, stp[0], stp[1]);
     end = directionBetween(eps, cx, cy, edp[0], edp[1]);
   }
@@ -123,15 +123,15 @@ int DArcStpEdpIna(double eps, double* stp, double* edp, double ina, double* cent
     side = static_cast<short>(-side);
     theta = kTwoPi - theta;
   }
-  const double h = std::sin(theta / 2.0);
+  const double h = portable::sin(theta / 2.0);
   if (withinOpen(h, eps) || std::isnan(h))
     return 0;  // no arc for this included angle
   const double chord = std::sqrt(square(edp[0] - stp[0]) + square(edp[1] - stp[1]));
   const double radius = 0.5 * chord / h;
   const double phi = directionBetween(eps, stp[0], stp[1], edp[0], edp[1]);
   const double psi = side == -1 ? phi + kHalfPi - theta / 2.0 : phi - kHalfPi + theta / 2.0;
-  const double cx = stp[0] + radius * std::cos(psi);
-  const double cy = stp[1] + radius * std::sin(psi);
+  const double cx = stp[0] + radius * portable::cos(psi);
+  const double cy = stp[1] + radius * portable::sin(psi);
 
   // Both angles follow from the end point's, so the sweep is exactly |ina|.
   double start = 0.0;
@@ -161,7 +161,7 @@ int DArcStpEdpDir(double eps, double* stp, double* edp, double dir, double* cent
   const TangentStartArc arc = tangentStartArc(eps, a, phi);
   // The radius starts as the chord and is scaled by the half-angle sine; there is no sine test.
   double radius = std::sqrt(square(edp[0] - stp[0]) + square(edp[1] - stp[1]));
-  radius *= 0.5 / std::sin(arc.delta / 2.0);
+  radius *= 0.5 / portable::sin(arc.delta / 2.0);
   return writeTangentStartArc(eps, stp, edp, a, arc.clockwise, radius, centre, r, sa, ea, flag);
 }
 
@@ -174,7 +174,7 @@ int DArcStpStaEdp(double eps, double* stp, double sta, double* edp, double* cent
     return 0;  // the end point straight ahead
 
   const TangentStartArc arc = tangentStartArc(eps, a, phi);
-  const double h = std::sin(arc.delta / 2.0);
+  const double h = portable::sin(arc.delta / 2.0);
   if (withinOpen(h, eps) || std::isnan(h))
     return 0;  // the end point straight behind
   const double chord = std::sqrt(square(edp[0] - stp[0]) + square(edp[1] - stp[1]));
@@ -199,8 +199,8 @@ int DArcStpInaRadDir(double eps, double* stp, double ina, double rad, double dir
     start = end - arc.sweep;
   }
   liftEndAboveStart(eps, start, end);
-  return writeArc(stp[0] - rad * std::cos(arc.beta), stp[1] - rad * std::sin(arc.beta), rad, start,
-                  end, arc.flag, centre, nullptr, sa, ea, flag);
+  return writeArc(stp[0] - rad * portable::cos(arc.beta), stp[1] - rad * portable::sin(arc.beta),
+                  rad, start, end, arc.flag, centre, nullptr, sa, ea, flag);
 }
 
 int DArcStpRadEdp(double eps, double* stp, double rad, double* edp, double* centre, double* sa,
@@ -215,6 +215,6 @@ int DArcStpRadEdp(double eps, double* stp, double rad, double* edp, double* cent
   const double start = phi - theta / 2.0 + 3.0 * kHalfPi;
   double end = start + theta;
   liftEndAboveStart(eps, start, end);
-  return writeArc(stp[0] - rad * std::cos(start), stp[1] - rad * std::sin(start), rad, start, end,
-                  0, centre, nullptr, sa, ea, nullptr);
+  return writeArc(stp[0] - rad * portable::cos(start), stp[1] - rad * portable::sin(start), rad,
+                  start, end, 0, centre, nullptr, sa, ea, nullptr);
 }

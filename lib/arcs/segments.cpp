@@ -48,7 +48,7 @@ int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, double* bulge
 
   const bool clockwise = turnsClockwise(eps, a, phi);
   const double delta = foldedTangentChordAngle(eps, phi, a);
-  const double h = std::sin(delta / 2.0);
+  const double h = portable::sin(delta / 2.0);
   // The end point lies on the start tangent line, ahead or behind (or the input is not a number).
   if (withinOpen(h, eps) || std::isnan(h))
     return 0;
@@ -58,11 +58,11 @@ int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, double* bulge
   double cx = 0.0;
   double cy = 0.0;
   if (clockwise) {
-    cx = stp[0] + r * std::sin(a);
-    cy = stp[1] - r * std::cos(a);
+    cx = stp[0] + r * portable::sin(a);
+    cy = stp[1] - r * portable::cos(a);
   } else {
-    cx = stp[0] - r * std::sin(a);
-    cy = stp[1] + r * std::cos(a);
+    cx = stp[0] - r * portable::sin(a);
+    cy = stp[1] + r * portable::cos(a);
   }
   const double alpha1 = directionBetween(eps, cx, cy, stp[0], stp[1]);
   const double alpha2 = directionBetween(eps, cx, cy, edp[0], edp[1]);
@@ -70,13 +70,13 @@ int PL_StpStaEdp(double eps, double* stp, double sta, double* edp, double* bulge
   double sweep = clockwise ? alpha1 - alpha2 : alpha2 - alpha1;
   if (sweep < -eps)
     sweep += kTwoPi;
-  return writeSegment(clockwise ? -std::tan(sweep / 4.0) : std::tan(sweep / 4.0),
+  return writeSegment(clockwise ? -portable::tan(sweep / 4.0) : portable::tan(sweep / 4.0),
                       travelDirection(eps, alpha2, !clockwise), bulge, endDir);
 }
 
 int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge, double* endDir) {
   reduceIncludedAngle(eps, ina);
-  const double b = std::tan(ina / 4.0);
+  const double b = portable::tan(ina / 4.0);
 
   // A centre for the end direction, built from the chord; side -1 puts it to the left.
   int side = -1;
@@ -90,13 +90,13 @@ int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge
     theta = kTwoPi - theta;
   }
   const double chord = std::sqrt(square(stp[0] - edp[0]) + square(stp[1] - edp[1]));
-  const double r = 0.5 * chord / std::sin(theta / 2.0);
+  const double r = 0.5 * chord / portable::sin(theta / 2.0);
   const double phi = directionBetween(eps, stp[0], stp[1], edp[0], edp[1]);
   // Deliberately without the half-angle term on the right-hand side: the drafting host's end
   // directions for clockwise and major arcs come from this centre, and are kept as they are.
   const double psi = side == -1 ? phi + kHalfPi - theta / 2.0 : phi - kHalfPi;
-  const double cx = stp[0] + r * std::cos(psi);
-  const double cy = stp[1] + r * std::sin(psi);
+  const double cx = stp[0] + r * portable::cos(psi);
+  const double cy = stp[1] + r * portable::sin(psi);
 
   double alpha1 = 0.0;
   double alpha2 = 0.0;
@@ -116,7 +116,7 @@ int PL_StpInaEdp(double eps, double* stp, double ina, double* edp, double* bulge
 
 int PL_StpInaCen(double eps, double* stp, double ina, double* cen, double* bulge, double* endDir) {
   reduceIncludedAngle(eps, ina);
-  const double b = std::tan(ina / 4.0);
+  const double b = portable::tan(ina / 4.0);
   const double cx = cen[0];
   const double cy = cen[1];
   const double r = std::sqrt(square(stp[0] - cx) + square(stp[1] - cy));
@@ -127,8 +127,8 @@ int PL_StpInaCen(double eps, double* stp, double ina, double* cen, double* bulge
   double ey = stp[1];
   if (r >= eps) {
     alpha2 = directionBetween(eps, cx, cy, stp[0], stp[1]) + ina;
-    ex = cx + r * std::cos(alpha2);
-    ey = cy + r * std::sin(alpha2);
+    ex = cx + r * portable::cos(alpha2);
+    ey = cy + r * portable::sin(alpha2);
   }
   return writeSegmentEnd(ex, ey, cen, b, travelDirection(eps, alpha2, !(b <= eps)), bulge, endDir);
 }
@@ -140,15 +140,15 @@ int PL_StpInaRadDir(double eps, double* stp, double ina, double rad, double dir,
     return 0;
   reduceIncludedAngle(eps, ina);
   const InaRadDirArc arc = inaRadDirArc(eps, ina, dir);
-  const double cx = stp[0] - rad * std::cos(arc.beta);
-  const double cy = stp[1] - rad * std::sin(arc.beta);
+  const double cx = stp[0] - rad * portable::cos(arc.beta);
+  const double cy = stp[1] - rad * portable::sin(arc.beta);
 
   double alpha1 = arc.beta;
   fpos2pi(eps, &alpha1);
   const double alpha2 = alpha1 + ina;
-  return writeSegmentEnd(cx + rad * std::cos(alpha2), cy + rad * std::sin(alpha2), edp,
-                         std::tan(ina / 4.0), travelDirection(eps, alpha2, arc.flag < 0), bulge,
-                         endDir);
+  return writeSegmentEnd(cx + rad * portable::cos(alpha2), cy + rad * portable::sin(alpha2), edp,
+                         portable::tan(ina / 4.0), travelDirection(eps, alpha2, arc.flag < 0),
+                         bulge, endDir);
 }
 
 int PL_StpCenEdp(double eps, double* stp, double* cen, double* edp, double* bulge, double* endDir) {
@@ -166,9 +166,9 @@ int PL_StpCenEdp(double eps, double* stp, double* cen, double* edp, double* bulg
     if (alpha1 - eps > alpha2)
       alpha2 += kTwoPi;
     // The point of the circle on the ray towards the given end point.
-    ex = cx + r * std::cos(alpha2);
-    ey = cy + r * std::sin(alpha2);
-    b = std::tan((alpha2 - alpha1) / 4.0);
+    ex = cx + r * portable::cos(alpha2);
+    ey = cy + r * portable::sin(alpha2);
+    b = portable::tan((alpha2 - alpha1) / 4.0);
   }
   return writeSegmentEnd(ex, ey, edp, b, travelDirection(eps, alpha2, true), bulge, endDir);
 }
@@ -181,8 +181,8 @@ int PL_StpCenLen(double eps, double* stp, double* cen, double len, double* bulge
   // Included angle of a chord of length len; a chord longer than the diameter gives 0.
   const double theta = 2.0 * arcsin(0.5 * len / r);
   const double alpha2 = alpha1 + theta;
-  const double b = std::tan(theta / 4.0);
-  return writeSegmentEnd(cx + r * std::cos(alpha2), cy + r * std::sin(alpha2), cen, b,
+  const double b = portable::tan(theta / 4.0);
+  return writeSegmentEnd(cx + r * portable::cos(alpha2), cy + r * portable::sin(alpha2), cen, b,
                          travelDirection(eps, alpha2, !(b <= eps)), bulge, endDir);
 }
 
@@ -195,7 +195,7 @@ int PL_StpRadEdp(double eps, double* stp, double rad, double* edp, double* bulge
   // centre lies on the other side and beta + theta is the end's radial angle minus pi, so the
   // same quarter turn below gives the clockwise direction of travel.
   const double beta = phi - theta / 2.0 + 3.0 * kHalfPi;
-  return writeSegment(std::tan(theta / 4.0), travelDirection(eps, beta + theta, true), bulge,
+  return writeSegment(portable::tan(theta / 4.0), travelDirection(eps, beta + theta, true), bulge,
                       endDir);
 }
 
@@ -219,7 +219,7 @@ int PL_3points(double eps, double* p1, double* p2, double* p3, double* bulge, do
   }
   if (alpha1 - eps > alpha3)
     alpha3 += kTwoPi;
-  const double b = std::tan((alpha3 - alpha1) / 4.0);
+  const double b = portable::tan((alpha3 - alpha1) / 4.0);
   if (!allFinite({cx, cy}))
     return 0;
   return writeSegment(

@@ -20,7 +20,7 @@ bool offTangentLine(double eps, const double* p, double a, const double* q) {
   fpos2pi(eps, &a);
   double phi = 0.0;
   DAngle(eps, p[0], p[1], q[0], q[1], &phi);
-  return std::fabs(std::sin(phi - a)) >= eps;
+  return std::fabs(portable::sin(phi - a)) >= eps;
 }
 
 // Kind 6: the two points must not coincide; eps is compared as a squared length.

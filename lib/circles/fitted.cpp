@@ -218,10 +218,10 @@ int DGetEllipseCircle(double eps, double cx, double cy, double a, double b, doub
     kA = a - rA;
     kB = b - rB;
     // The arcs meet on the line through both centres, beyond the smaller arc's centre.
-    theta = std::atan2(std::fabs(kB), std::fabs(kA));
+    theta = portable::atan2(std::fabs(kB), std::fabs(kA));
   }
-  const double cosR = std::cos(rotation);
-  const double sinR = std::sin(rotation);
+  const double cosR = portable::cos(rotation);
+  const double sinR = portable::sin(rotation);
   double start = rotation - theta;
   fpos2pi(eps, &start);
   // Counter-clockwise from the first axis end: (kA, 0), (0, kB), (-kA, 0), (0, -kB).

@@ -52,14 +52,14 @@ struct MatchObject {
 
   double along(double x, double y) const { return (x - x1) * ux + (y - y1) * uy; }
 
-  void cut(double x, double y) { cuts.add(isLine ? along(x, y) : std::atan2(y - cy, x - cx)); }
+  void cut(double x, double y) { cuts.add(isLine ? along(x, y) : portable::atan2(y - cy, x - cx)); }
 
   // The piece a position falls on; every position falls on piece 0 of an uncut object.
   int piece(double eps, double x, double y) const {
     if (cuts.count == 0)
       return 0;
     return isLine ? cuts.index(eps, along(x, y), false)
-                  : cuts.index(eps, std::atan2(y - cy, x - cx), true);
+                  : cuts.index(eps, portable::atan2(y - cy, x - cx), true);
   }
 
   // The piece holding a candidate's tangency point: the foot of its centre on a line; on a

@@ -11,14 +11,14 @@
 using namespace tarnsysm::detail;
 
 void DIM_DisAng2P(double, double* p1, double* p2, double a, double* out) {
-  *out = std::cos(a) * (p2[0] - p1[0]) + std::sin(a) * (p2[1] - p1[1]);
+  *out = portable::cos(a) * (p2[0] - p1[0]) + portable::sin(a) * (p2[1] - p1[1]);
 }
 
 int DIM_GetCirDiaPt(double eps, double cx, double cy, double px, double py, double r, double* x1,
                     double* y1, double* x2, double* y2) {
   const double t = directionBetween(eps, cx, cy, px, py);
-  const double rc = r * std::cos(t);
-  const double rs = r * std::sin(t);
+  const double rc = r * portable::cos(t);
+  const double rs = r * portable::sin(t);
   *x1 = cx - rc;
   *y1 = cy - rs;
   *x2 = cx + rc;
@@ -31,8 +31,8 @@ namespace {
 // Both frame changes rotate by -a; they differ in the sign of the origin, deliberately, so they
 // are not each other's inverse.
 int rotateByMinusA(double x, double y, double a, double* q) {
-  const double c = std::cos(a);
-  const double s = std::sin(a);
+  const double c = portable::cos(a);
+  const double s = portable::sin(a);
   q[0] = x * c + y * s;
   q[1] = y * c - x * s;
   return 1;
@@ -54,8 +54,8 @@ int DIM_GetTxtEfctLen(unsigned char flag, double eps, double w, double h, double
     *out = 0.0;  // a box thinner than eps
     return 0;
   }
-  const double s = std::fabs(std::sin(a));
-  const double c = std::fabs(std::cos(a));
+  const double s = std::fabs(portable::sin(a));
+  const double c = std::fabs(portable::cos(a));
   const double ratio = h / w;
   double half = 0.0;
   if (s < eps) {
@@ -154,7 +154,7 @@ int DIM_ArcCal(double eps, double* p1, double* p2, double* p3, double* p4, doubl
     qt = -qt;
     base = a1 + kPi;
   }
-  const double phi = std::atan2(qt, qs);
+  const double phi = portable::atan2(qt, qs);
   double from = base, included = delta;
   if (!(phi < delta)) {
     from = base + delta;
@@ -171,10 +171,10 @@ int DIM_ArcCal(double eps, double* p1, double* p2, double* p3, double* p4, doubl
   *radius = r;
   vertex[0] = vx;
   vertex[1] = vy;
-  startPt[0] = vx + r * std::cos(from);
-  startPt[1] = vy + r * std::sin(from);
-  endPt[0] = vx + r * std::cos(to);
-  endPt[1] = vy + r * std::sin(to);
+  startPt[0] = vx + r * portable::cos(from);
+  startPt[1] = vy + r * portable::sin(from);
+  endPt[0] = vx + r * portable::cos(to);
+  endPt[1] = vy + r * portable::sin(to);
   *mid = (from + to) / 2.0;
   if (to > kTwoPi)
     to -= kTwoPi;  // after the points and the middle, which keep the unreduced end

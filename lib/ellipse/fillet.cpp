@@ -32,7 +32,7 @@ Sweep sweepOf(TSellipse const& e) {
 double arcDistance(TSellipse const& e, const Sweep& w, double X, double Y) {
   constexpr int kSamples = 192;
   const auto dist2 = [&](double t) {
-    return square(e.a * std::cos(t) - X) + square(e.b * std::sin(t) - Y);
+    return square(e.a * portable::cos(t) - X) + square(e.b * portable::sin(t) - Y);
   };
   const double h = w.sweep / kSamples;
   int best = 0;

@@ -14,7 +14,7 @@ namespace {
 // Near the second axis the atan2 of the mirrored pair is ill-conditioned; the angle is then
 // returned as it came (lifted only when negative), as the drafting host expects.
 double mirroredAngle(double u, double v, double fallback) {
-  double t = std::fabs(v) >= kTol1e10 ? std::atan2(u, v) : fallback;
+  double t = std::fabs(v) >= kTol1e10 ? portable::atan2(u, v) : fallback;
   if (t < 0.0)
     t += kTwoPi;
   return t;
@@ -41,20 +41,20 @@ TSline lineThrough(const double* s, const double* e) {
 
 void EllipsePAngleToPoint(double const (&centre)[3], double a, double b, double rotation, double t,
                           double* const out) {
-  const double ct = std::cos(t);
-  const double st = std::sin(t);
-  const double cr = std::cos(rotation);
-  const double sr = std::sin(rotation);
+  const double ct = portable::cos(t);
+  const double st = portable::sin(t);
+  const double cr = portable::cos(rotation);
+  const double sr = portable::sin(rotation);
   out[0] = centre[0] + a * ct * cr - b * st * sr;
   out[1] = centre[1] + a * ct * sr + b * st * cr;
 }
 
 double AngleToParameter(double a, double b, double theta) {
-  return mirroredAngle(a * std::sin(theta), b * std::cos(theta), theta);
+  return mirroredAngle(a * portable::sin(theta), b * portable::cos(theta), theta);
 }
 
 double ParametertoAngle(double a, double b, double t) {
-  return mirroredAngle(b * std::sin(t), a * std::cos(t), t);
+  return mirroredAngle(b * portable::sin(t), a * portable::cos(t), t);
 }
 
 int WcToEllipse(TSellipse const& e, double* const in, double* const out) {
@@ -107,7 +107,7 @@ int GetEllipseAngleTanPoint(double eps, TSellipse const& e, double angle, double
   else if (std::fabs(alpha - kHalfPi) < eps)
     t = 0.0;  // along the second axis
   else
-    t = std::atan(-e.b / (e.a * std::tan(alpha)));
+    t = portable::atan(-e.b / (e.a * portable::tan(alpha)));
 
   EllipsePAngleToPoint(e.center, e.a, e.b, e.rotation, t, p1);
   EllipsePAngleToPoint(e.center, e.a, e.b, e.rotation, t + kPi, p3);
@@ -118,10 +118,10 @@ int GetEllipseAngleTanPoint(double eps, TSellipse const& e, double angle, double
 int GetEllipseHighestPoint(TSellipse const& e, double* const out) {
   const double a = e.a;
   const double b = e.b;
-  const double p1x = a * std::cos(e.start);
-  const double p1y = b * std::sin(e.start);
-  const double p2x = a * std::cos(e.end);
-  const double p2y = b * std::sin(e.end);
+  const double p1x = a * portable::cos(e.start);
+  const double p1y = b * portable::sin(e.start);
+  const double p2x = a * portable::cos(e.end);
+  const double p2y = b * portable::sin(e.end);
   const double mx = (p1x + p2x) / 2.0;
   const double my = (p1y + p2y) / 2.0;
 
@@ -139,7 +139,7 @@ int GetEllipseHighestPoint(TSellipse const& e, double* const out) {
     if (c < 0.0)
       t += kPi;
   }
-  double frame[3] = {a * std::cos(t), b * std::sin(t), 0.0};
+  double frame[3] = {a * portable::cos(t), b * portable::sin(t), 0.0};
   EllipseToWc(e, frame, out);
   return 1;
 }

@@ -225,8 +225,8 @@ int SkEllipseEllipseAided(TSellipse const* e1, TSellipse const* e2, double (*out
   const double h = centre[0];
   const double k = centre[1];
   const double phi = e1->rotation - e2->rotation;
-  const double c = std::cos(phi);
-  const double s = std::sin(phi);
+  const double c = portable::cos(phi);
+  const double s = portable::sin(phi);
   const double a = e1->a;
   const double b = e1->b;
   const double A2 = e2->a * e2->a;

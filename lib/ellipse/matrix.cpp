@@ -1,6 +1,7 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Matrix3, the plane transform of the ellipse routines, and TransPoint.
 #include "ellipse/ellipse.h"
+#include "primitives/elementary.h"
 
 #include <cmath>
 
@@ -34,8 +35,8 @@ void Matrix3::SetScale(double sx, double sy) {
 
 void Matrix3::SetRotate(double a) {
   SetIdentity();
-  const double c = std::cos(a);
-  const double s = std::sin(a);
+  const double c = tarnsysm::detail::portable::cos(a);
+  const double s = tarnsysm::detail::portable::sin(a);
   m[0][0] = c;
   m[0][1] = s;
   m[1][0] = -s;

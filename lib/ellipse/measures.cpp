@@ -30,7 +30,7 @@ NormalForm normalForm(double a, double b) {
 }
 
 double speed(const NormalForm& f, double t) {
-  const double c = std::cos(t);
+  const double c = portable::cos(t);
   return f.a * std::sqrt(1.0 - f.k * c * c);
 }
 
@@ -94,7 +94,7 @@ double CalEllipseArea(TSellipse const& e) {
     return kPi * e.a * e.b;
   // The sum of r ds, r the distance from the centre; no factor one half, deliberately.
   return sumOverArc(e, [](const NormalForm& f, double t, double ds) {
-    return ds * std::sqrt(square(f.a * std::cos(t)) + square(f.b * std::sin(t)));
+    return ds * std::sqrt(square(f.a * portable::cos(t)) + square(f.b * portable::sin(t)));
   });
 }
 
@@ -157,12 +157,13 @@ int EllipseDivide(TSellipse const& e, int& n, double (*const out)[3], double mar
     if (!started || !(acc / seg > written + kTol1e10))
       continue;
     const double p = t - f.shift;
-    const double x = e.a * std::cos(p);
-    const double y = e.b * std::sin(p);
+    const double x = e.a * portable::cos(p);
+    const double y = e.b * portable::sin(p);
     // The direction of travel with increasing parameter.
     double angle;
     if (std::fabs(x) >= kTol1e10 && std::fabs(y) >= kTol1e10)
-      angle = std::atan(-(e.b * std::cos(p)) / (e.a * std::sin(p))) + (y > 0.0 ? kPi : 0.0);
+      angle = portable::atan(-(e.b * portable::cos(p)) / (e.a * portable::sin(p))) +
+              (y > 0.0 ? kPi : 0.0);
     else if (std::fabs(x) >= kTol1e10)
       angle = x <= 0.0 ? 3.0 * kHalfPi : kHalfPi;
     else

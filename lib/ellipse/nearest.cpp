@@ -49,8 +49,8 @@ void frameToWorldInto(TSellipse const& e, double x, double y, double* out) {
 // places (deliberate: only records with cx = cy get the true direction); arc limits are ignored.
 double nearestOnCircleShape(TSellipse const& e, double* const p, double* const out) {
   const double theta = directionBetween(kTol1e8, e.center[0], e.center[0], p[0], p[1]);
-  out[0] = e.center[0] + e.a * std::cos(theta);
-  out[1] = e.center[1] + e.b * std::sin(theta);
+  out[0] = e.center[0] + e.a * portable::cos(theta);
+  out[1] = e.center[1] + e.b * portable::sin(theta);
   out[2] = 0.0;
   return DistBetweenPoint(p, out);
 }
@@ -137,18 +137,18 @@ double DPnearEllipseArc(TSellipse const& e, double* const p, double* const out) 
       d = bestD;
     } else {
       // The nearer end stands unless a foot inside the arc is strictly nearer; ties go to end.
-      const double sx = a * std::cos(e.start);
-      const double sy = b * std::sin(e.start);
-      const double ex = a * std::cos(e.end);
-      const double ey = b * std::sin(e.end);
+      const double sx = a * portable::cos(e.start);
+      const double sy = b * portable::sin(e.start);
+      const double ex = a * portable::cos(e.end);
+      const double ey = b * portable::sin(e.end);
       const double ds = DistBetweenPoint(X, Y, sx, sy);
       const double de = DistBetweenPoint(X, Y, ex, ey);
       fx = ds >= de ? ex : sx;
       fy = ds >= de ? ey : sy;
       d = ds >= de ? de : ds;
       if (best >= 0 && bestD < d) {
-        fx = a * std::cos(bestT);
-        fy = b * std::sin(bestT);
+        fx = a * portable::cos(bestT);
+        fy = b * portable::sin(bestT);
         d = bestD;
       }
     }
@@ -237,8 +237,8 @@ double DLineNearEllipsearc(TSline line, TSellipse const& e, double* const out) {
 int EllipseAngleDistPoint(TSellipse const& e, int side, double t, double dist, double* const out) {
   const double a = e.a;
   const double b = e.b;
-  const double px = a * std::cos(t);
-  const double py = b * std::sin(t);
+  const double px = a * portable::cos(t);
+  const double py = b * portable::sin(t);
   double x = px;
   double y = py;
   // At an axis end the normal is the axis; side 1 moves towards the centre, -1 away from it.
@@ -255,7 +255,7 @@ int EllipseAngleDistPoint(TSellipse const& e, int side, double t, double dist, d
     x = alongAxis(px);
   } else {
     // The unit normal with positive x, turned to the requested side.
-    const double s = (a / b) * std::tan(t);
+    const double s = (a / b) * portable::tan(t);
     const double norm = std::sqrt(1.0 + s * s);
     double vx = dist / norm;
     double vy = dist * s / norm;

@@ -15,7 +15,7 @@ namespace {
 // Does the point lie on the arc about (cx, cy) swept from sa to ea? eps, a length tolerance,
 // serves as the angular tolerance here, as the drafting host expects.
 bool onArc(double eps, double cx, double cy, double sa, double ea, double x, double y) {
-  return ValidAngle(eps, sa, ea, std::atan2(y - cy, x - cx)) == 1;
+  return ValidAngle(eps, sa, ea, portable::atan2(y - cy, x - cx)) == 1;
 }
 
 // Strict position test along a line of length len: -eps < p < len + eps.

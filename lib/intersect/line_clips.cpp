@@ -145,15 +145,15 @@ int lineArc(double eps, const Ray& ray, double cx, double cy, double r, double s
       *flag1 = 3;
     return n;
   }
-  const double cs = std::cos(sa);
-  const double ss = std::sin(sa);
-  const double ce = std::cos(ea);
-  const double se = std::sin(ea);
+  const double cs = portable::cos(sa);
+  const double ss = portable::sin(sa);
+  const double ce = portable::cos(ea);
+  const double se = portable::sin(ea);
   const ArcEnds ends = arcEnds(eps, ray, cx + r * cs, cy + r * ss, cx + r * ce, cy + r * se,
                                ray.dx * cs + ray.dy * ss, ray.dx * ce + ray.dy * se);
   // Crossings away from the ends are tested exactly (tolerance 0), deliberately.
   const auto onArc = [&](double t) {
-    return ValidAngle(0.0, sa, ea, std::atan2(ray.y(t) - cy, ray.x(t) - cx)) == 1;
+    return ValidAngle(0.0, sa, ea, portable::atan2(ray.y(t) - cy, ray.x(t) - cx)) == 1;
   };
   return clipToArc(eps, n, ends, false, onArc, t1, t2, flag1, flag2);
 }
@@ -237,8 +237,8 @@ int LineIntEllips(double eps, double x0, double y0, double dx, double dy, double
   if (!finiteArguments({eps, x0, y0, dx, dy, cx, cy, a, b, rot}) || !(a > 0.0 && b > 0.0))
     return 0;
   // Into the ellipse frame: turn by -rot.
-  const double c = std::cos(-rot);
-  const double s = std::sin(-rot);
+  const double c = portable::cos(-rot);
+  const double s = portable::sin(-rot);
   const double px = x0 - cx;
   const double py = y0 - cy;
   const double X = px * c - py * s;
@@ -289,14 +289,18 @@ int LineIntEarc(double eps, double x0, double y0, double dx, double dy, double c
     return n;
   }
   const Ray ray{x0, y0, dx, dy};
-  const double cr = std::cos(rot);
-  const double sr = std::sin(rot);
-  const auto worldX = [&](double t) { return cx + a * std::cos(t) * cr - b * std::sin(t) * sr; };
-  const auto worldY = [&](double t) { return cy + a * std::cos(t) * sr + b * std::sin(t) * cr; };
+  const double cr = portable::cos(rot);
+  const double sr = portable::sin(rot);
+  const auto worldX = [&](double t) {
+    return cx + a * portable::cos(t) * cr - b * portable::sin(t) * sr;
+  };
+  const auto worldY = [&](double t) {
+    return cy + a * portable::cos(t) * sr + b * portable::sin(t) * cr;
+  };
   // The side tests use the unrotated axes, as the drafting host does.
   const ArcEnds ends = arcEnds(eps, ray, worldX(sa), worldY(sa), worldX(ea), worldY(ea),
-                               dx * b * std::cos(sa) + dy * a * std::sin(sa),
-                               dx * b * std::cos(ea) + dy * a * std::sin(ea));
+                               dx * b * portable::cos(sa) + dy * a * portable::sin(sa),
+                               dx * b * portable::cos(ea) + dy * a * portable::sin(ea));
   // A point is on the arc by its parameter angle, tested exactly.
   const auto onArc = [&](double t) {
     const double px = ray.x(t) - cx;

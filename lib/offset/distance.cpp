@@ -140,7 +140,7 @@ bool awayFromMovedPart(double eps, const double* p, const Segment& s, bool carri
   if (!(half < kPi - 1e-3))
     return false;
   const double mid = (a0 + a1) / 2.0;
-  double alpha = std::atan2(p[1] - s.cy, p[0] - s.cx);
+  double alpha = portable::atan2(p[1] - s.cy, p[0] - s.cx);
   bringAngleIntoRange(alpha, mid - kPi, mid + kPi, 0.0);
   const double margin = eps + 1e-6 + tolLen / rMoved;
   return std::fabs(alpha - mid) > half + margin;

@@ -434,7 +434,8 @@ bool appendSegmentEnd(double eps, MovedRows& out, const Incoming& in, double tEn
   const BulgeArc& arc = *in.arc;
   if (arc.ok) {
     const double sweep = (tEnd - in.tStart) * (arc.ea - arc.sa);
-    last[2] = std::fabs(sweep) >= kTwoPi - eps ? 0.0 : bulgeSign(bulge) * std::tan(sweep / 4.0);
+    last[2] =
+        std::fabs(sweep) >= kTwoPi - eps ? 0.0 : bulgeSign(bulge) * portable::tan(sweep / 4.0);
   }
   return out.put(x, y, bulgeAfter, f3, f4);
 }
@@ -509,7 +510,7 @@ bool lineArcFeet(double eps, double d, const double* l1, const double* l2, const
   feet->fy = cy + h * ny;
   feet->gx = cx + m * nx;
   feet->gy = cy + m * ny;
-  feet->gAngle = std::atan2(m * ny, m * nx);
+  feet->gAngle = portable::atan2(m * ny, m * nx);
   feet->sa = sa;
   feet->ea = ea;
   return true;
@@ -725,7 +726,8 @@ int buildOffsetPLineWithin(double eps, double step, int closed, int n, double (*
       last[2] = 0.0;
     } else if (const BulgeArc arc = arcOf.of(n - 1, p1, p2); arc.ok) {
       const double sweep = (closingEnd - in.tStart) * (arc.ea - arc.sa);
-      last[2] = std::fabs(sweep) >= kTwoPi - eps ? 0.0 : bulgeSign(bulge) * std::tan(sweep / 4.0);
+      last[2] =
+          std::fabs(sweep) >= kTwoPi - eps ? 0.0 : bulgeSign(bulge) * portable::tan(sweep / 4.0);
     }
   }
   return k;

@@ -123,7 +123,7 @@ int lineArcJoin(double eps, double d, double lx0, double ly0, double ax, double 
     return 0;
 
   double lo, hi;
-  branchAngleRange(branch, std::atan2(ay, ax), &lo, &hi);
+  branchAngleRange(branch, portable::atan2(ay, ax), &lo, &hi);
   shiftRangeToReach(lo, hi, vertexAngle, eps);
 
   // The moved line: its start point moved along the line's normal, the same direction.
@@ -136,7 +136,7 @@ int lineArcJoin(double eps, double d, double lx0, double ly0, double ax, double 
 
   const double x = qx + t * ax;
   const double y = qy + t * ay;
-  double theta = std::atan2(y - arc.cy, x - arc.cx);
+  double theta = portable::atan2(y - arc.cy, x - arc.cx);
   bringAngleIntoRange(theta, lo, hi, eps);
   double start, end;
   arcAnglesInTravelOrder(bulge, arc.sa, arc.ea, &start, &end);
@@ -317,16 +317,16 @@ int aaOffsetWithArcs(double eps, double d, double x2, double y2, double bulge1, 
   const auto side = [&](double x, double y) {
     return ey * x - ex * y + (ex * arc1.cy - ey * arc1.cx);
   };
-  const double psi = std::atan2(ey, ex);
+  const double psi = portable::atan2(ey, ex);
   const bool vertexAbove = !(side(x2, y2) <= 0.0);
   const double lo = vertexAbove ? psi - kPi : psi;
   const double hi = vertexAbove ? psi : psi + kPi;
 
   // Shift each arc's angles by whole turns to the turn of the vertex's angle.
-  double vertexAngle1 = std::atan2(y2 - arc1.cy, x2 - arc1.cx);
+  double vertexAngle1 = portable::atan2(y2 - arc1.cy, x2 - arc1.cx);
   bringAngleIntoRange(vertexAngle1, lo, hi, eps);
   shiftRangeToReach(arc1.sa, arc1.ea, vertexAngle1, eps);
-  double vertexAngle2 = std::atan2(y2 - arc2.cy, x2 - arc2.cx);
+  double vertexAngle2 = portable::atan2(y2 - arc2.cy, x2 - arc2.cx);
   bringAngleIntoRange(vertexAngle2, lo, hi, eps);
   shiftRangeToReach(arc2.sa, arc2.ea, vertexAngle2, eps);
 
@@ -347,9 +347,9 @@ int aaOffsetWithArcs(double eps, double d, double x2, double y2, double bulge1, 
     }
   }
 
-  double theta1 = std::atan2(y - arc1.cy, x - arc1.cx);
+  double theta1 = portable::atan2(y - arc1.cy, x - arc1.cx);
   bringAngleIntoRange(theta1, lo, hi, eps);
-  double theta2 = std::atan2(y - arc2.cy, x - arc2.cx);
+  double theta2 = portable::atan2(y - arc2.cy, x - arc2.cx);
   bringAngleIntoRange(theta2, lo, hi, eps);
   double start1, end1, start2, end2;
   arcAnglesInTravelOrder(bulge1, arc1.sa, arc1.ea, &start1, &end1);
@@ -386,8 +386,8 @@ int offsetPointWithArc(double eps, double d, double t, double x1, double y1, dou
   if (rMoved < -eps)
     return 0;
   if (rMoved >= eps) {
-    *ox = arc.cx + rMoved * std::cos(theta);
-    *oy = arc.cy + rMoved * std::sin(theta);
+    *ox = arc.cx + rMoved * portable::cos(theta);
+    *oy = arc.cy + rMoved * portable::sin(theta);
   } else {
     // The moved arc has shrunk to its centre.
     *ox = arc.cx;

@@ -16,9 +16,9 @@ namespace {
 // angle theta = 4 atan(bulge). With the signed radius R = L / sin(theta/2) / 2 the segment is
 // (theta - sin theta)*R^2/2; R^2 is positive, so the sign comes from theta alone.
 double arcSegmentArea(double chord, double bulge) {
-  const double theta = 4.0 * std::atan(bulge);
-  const double radius = chord / std::sin(theta / 2.0) / 2.0;
-  return (theta - std::sin(theta)) * (radius * radius) / 2.0;
+  const double theta = 4.0 * portable::atan(bulge);
+  const double radius = chord / portable::sin(theta / 2.0) / 2.0;
+  return (theta - portable::sin(theta)) * (radius * radius) / 2.0;
 }
 
 // Trapezoid between the straight edge (x1, y1)-(x2, y2) and the x axis. Summed round a
@@ -104,7 +104,7 @@ bool onArcSegment(double eps, const double* p, const double* s, const double* e,
   if (!PL_ArcParam(eps, s[0], s[1], e[0], e[1], bulge, &cx, &cy, &r, &sa, &ea))
     return false;
   const double rp = std::sqrt(square(p[0] - cx) + square(p[1] - cy));
-  const double ap = std::atan2(p[1] - cy, p[0] - cx);
+  const double ap = portable::atan2(p[1] - cy, p[0] - cx);
   if (!ValidAngle(eps, sa, ea, ap))
     return false;
   return withinOpenOrZero(rp - r, eps);

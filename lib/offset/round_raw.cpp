@@ -54,8 +54,8 @@ Piece segmentPiece(double eps, double x0, double y0, double x1, double y1, doubl
   p.cx = (x0 + x1) / 2.0 - k * uy;
   p.cy = (y0 + y1) / 2.0 + k * ux;
   p.r = std::sqrt(ux * ux + uy * uy) * (1.0 / std::fabs(b) + std::fabs(b)) / 4.0;
-  p.a0 = std::atan2(y0 - p.cy, x0 - p.cx);
-  p.sweep = 4.0 * std::atan(b);
+  p.a0 = portable::atan2(y0 - p.cy, x0 - p.cx);
+  p.sweep = 4.0 * portable::atan(b);
   return p;
 }
 
@@ -138,7 +138,7 @@ bool joinCorner(double d, double tol, double vx, double vy, int vertex, const Pi
   // The turn at the vertex: positive to the left. An exact reversal turns round the offset side.
   const double c = cross(t1x, t1y, t2x, t2y);
   const double dot = t1x * t2x + t1y * t2y;
-  double turn = std::atan2(c, dot);
+  double turn = portable::atan2(c, dot);
   if (c == 0.0 && dot < 0.0)
     turn = d > 0.0 ? kPi : -kPi;
   if (turn * d > 0.0) {
@@ -151,7 +151,7 @@ bool joinCorner(double d, double tol, double vx, double vy, int vertex, const Pi
     between.cx = vx;
     between.cy = vy;
     between.r = std::fabs(d);
-    between.a0 = std::atan2(prev.y1 - vy, prev.x1 - vx);
+    between.a0 = portable::atan2(prev.y1 - vy, prev.x1 - vx);
     between.sweep = turn;
     between.src = vertex;
     between.kind = PieceKind::kCorner;
@@ -201,8 +201,8 @@ void pointOnPiece(const Piece& p, double t, double* x, double* y) {
     *y = p.y0 + (p.y1 - p.y0) * t;
   } else {
     const double a = p.a0 + p.sweep * t;
-    *x = p.cx + p.r * std::cos(a);
-    *y = p.cy + p.r * std::sin(a);
+    *x = p.cx + p.r * portable::cos(a);
+    *y = p.cy + p.r * portable::sin(a);
   }
 }
 
@@ -214,7 +214,7 @@ double parameterOnPiece(const Piece& p, double x, double y) {
   }
   // The angle from the start in the direction of travel, in [0, 2 pi); past the end it may be
   // read as lying before the start instead, whichever is nearer the sweep.
-  double rel = (std::atan2(y - p.cy, x - p.cx) - p.a0) * (p.sweep > 0.0 ? 1.0 : -1.0);
+  double rel = (portable::atan2(y - p.cy, x - p.cx) - p.a0) * (p.sweep > 0.0 ? 1.0 : -1.0);
   addTurnsWhileBelow(rel, 0.0);
   subtractTurnsWhileAbove(rel, kTwoPi);
   const double span = std::fabs(p.sweep);

@@ -208,7 +208,7 @@ int writeLoop(const RoundInput& in, const RoundLoop& loop, double (*out)[5]) {
     const double* src = in.row(p.src);
     out[k][0] = p.x0;
     out[k][1] = p.y0;
-    out[k][2] = p.isArc() ? std::tan(p.sweep / 4.0) : 0.0;
+    out[k][2] = p.isArc() ? portable::tan(p.sweep / 4.0) : 0.0;
     out[k][3] = p.kind == PieceKind::kMoved ? src[3] : -1.0;
     out[k][4] = src[4];
     ++k;

@@ -131,7 +131,7 @@ SegmentProbe crossingProbe(double eps, const SegmentShape& s) {
 }
 
 double angleOnArc(double eps, const Segment& s, double x, double y) {
-  double theta = std::atan2(y - s.cy, x - s.cx);
+  double theta = portable::atan2(y - s.cy, x - s.cx);
   const double mid = (s.sa + s.ea) / 2.0;
   bringAngleIntoRange(theta, mid - kPi, mid + kPi, eps);
   return theta;
@@ -159,8 +159,8 @@ void splitBulges(double eps, const Segment& s, double x, double y, double* head,
   double start, end;
   arcAnglesInTravelOrder(s.bulge, s.sa, s.ea, &start, &end);
   const double sign = bulgeSign(s.bulge);
-  *head = sign * std::tan((theta - start) * sign / 4.0);
-  *tail = sign * std::tan((end - theta) * sign / 4.0);
+  *head = sign * portable::tan((theta - start) * sign / 4.0);
+  *tail = sign * portable::tan((end - theta) * sign / 4.0);
 }
 
 bool sightCrosses(double eps, double kx, double ky, double px, double py, const Segment& s) {

@@ -66,7 +66,7 @@ int DAngle(double eps, double x1, double y1, double x2, double y2, double* angle
     return 0;
   }
   // A tiny negative angle stands for 0: callers compare angles with eps, so it is not lifted.
-  *angle = liftBelowMinusEps(std::atan2(dy, dx), eps);
+  *angle = liftBelowMinusEps(portable::atan2(dy, dx), eps);
   return 1;
 }
 
@@ -77,7 +77,7 @@ void fpos2pi(double eps, double* angle) {
 
 double arcsin(double x) {
   if (-1.0 < x && x < 1.0)
-    return std::asin(x);
+    return portable::asin(x);
   if (x == -1.0)
     return -kHalfPi;
   if (x == 1.0)
@@ -88,7 +88,7 @@ double arcsin(double x) {
 
 double arccos(double x) {
   if (-1.0 < x && x < 1.0)
-    return std::acos(x);
+    return portable::acos(x);
   // Only exactly -1 maps to pi; exactly 1 and everything outside give 0 (deliberately asymmetric).
   if (x == -1.0)
     return kPi;

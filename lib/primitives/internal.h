@@ -3,6 +3,7 @@
 // and the polynomial root solvers. Not installed; every subsystem uses these instead of copies.
 #pragma once
 
+#include "primitives/elementary.h"
 #include "primitives/primitives.h"
 
 #include <cmath>

@@ -37,8 +37,8 @@ void Assign3DPoint(double* dst, double x, double y, double z) {
 }
 
 void RotatePoint(double angle, double* p) {
-  const double c = std::cos(angle);
-  const double s = std::sin(angle);
+  const double c = portable::cos(angle);
+  const double s = portable::sin(angle);
   const double x = p[0];
   const double y = p[1];
   p[0] = c * x - s * y;

@@ -90,16 +90,16 @@ int DPonPLperV(double eps, double k, double* p1, double* p2, double bulge, doubl
   DAngle(eps, p1[0], p1[1], p2[0], p2[1], &phi);
 
   if (std::fabs(bulge) <= eps) {
-    result[0] = p1[0] + len * k * std::cos(phi);
-    result[1] = p1[1] + len * k * std::sin(phi);
+    result[0] = p1[0] + len * k * portable::cos(phi);
+    result[1] = p1[1] + len * k * portable::sin(phi);
     result[2] = phi;
     return 1;
   }
 
   // theta is the signed included angle; thetaA the minor-or-half angle, side the centre's side
   // (1: left of the chord).
-  const double theta = 4.0 * std::atan(bulge);
-  const double r = std::fabs(len / std::sin(theta / 2.0) / 2.0);
+  const double theta = 4.0 * portable::atan(bulge);
+  const double r = std::fabs(len / portable::sin(theta / 2.0) / 2.0);
   int side = 1;
   double thetaA = theta;
   if (theta < -eps) {
@@ -111,8 +111,8 @@ int DPonPLperV(double eps, double k, double* p1, double* p2, double bulge, doubl
     thetaA = kTwoPi - thetaA;
   }
   const double psi = side == 1 ? phi + (kPi - thetaA) / 2.0 : phi - (kPi - thetaA) / 2.0;
-  const double cx = p1[0] + r * std::cos(psi);
-  const double cy = p1[1] + r * std::sin(psi);
+  const double cx = p1[0] + r * portable::cos(psi);
+  const double cy = p1[1] + r * portable::sin(psi);
 
   // p1's radial angle is psi + pi; the point at fraction k has turned by theta k from it.
   const double alpha = psi + kPi + theta * k;
@@ -121,8 +121,8 @@ int DPonPLperV(double eps, double k, double* p1, double* p2, double bulge, doubl
   // lowered while at or above 2 pi (the ceiling is the double just below 2 pi).
   addTurnsWhileBelow(dir, -eps);
   subtractTurnsWhileAbove(dir, std::nextafter(kTwoPi, 0.0));
-  result[0] = cx + r * std::cos(alpha);
-  result[1] = cy + r * std::sin(alpha);
+  result[0] = cx + r * portable::cos(alpha);
+  result[1] = cy + r * portable::sin(alpha);
   result[2] = dir;
   return 1;
 }
@@ -135,8 +135,8 @@ int DPonAperK(double eps, double k, double* centre, double r, double sa, double 
   double angle = sa + k * (ea - sa);
   addTurnsWhileBelow(angle, -eps);
   subtractTurnsWhileAbove(angle, kTwoPi + eps);
-  *x = centre[0] + r * std::cos(angle);
-  *y = centre[1] + r * std::sin(angle);
+  *x = centre[0] + r * portable::cos(angle);
+  *y = centre[1] + r * portable::sin(angle);
   return 1;
 }
 
@@ -183,7 +183,7 @@ int DPnearArc(double eps, double px, double py, double cx, double cy, double r, 
     // Off the arc: the nearer end by angle; a tie within eps goes to the start.
     theta = theta - ea + eps <= sa - (theta - kTwoPi) ? ea : sa;
   }
-  *nx = cx + r * std::cos(theta);
-  *ny = cy + r * std::sin(theta);
+  *nx = cx + r * portable::cos(theta);
+  *ny = cy + r * portable::sin(theta);
   return 1;
 }

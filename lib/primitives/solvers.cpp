@@ -22,8 +22,7 @@ int appendZeroRoot(double eps, int n, double* roots) {
 }  // namespace
 
 double CubeRoot(double x) {
-  constexpr double kOneThird = 0.3333333333333333;
-  return x <= 0.0 ? -std::pow(-x, kOneThird) : std::pow(x, kOneThird);
+  return x <= 0.0 ? -portable::powOneThird(-x) : portable::powOneThird(x);
 }
 
 int SolveQuadratic(double eps, double a, double b, double c, double* roots) {
@@ -85,14 +84,14 @@ int SolveCubic(double eps, double a, double b, double c, double d, double* roots
   const double r = std::sqrt(-disc);
   double theta = kHalfPi;
   if (!withinOpen(h, eps)) {
-    theta = std::atan(r / h);
+    theta = portable::atan(r / h);
     if (theta < 0.0)
       theta += kPi;
   }
   const double m = CubeRoot(std::sqrt(h * h + r * r));
-  roots[0] = 2.0 * m * std::cos(theta / 3.0) - shift;
-  roots[1] = 2.0 * m * std::cos((theta + kTwoPi) / 3.0) - shift;
-  roots[2] = 2.0 * m * std::cos((theta + 2.0 * kTwoPi) / 3.0) - shift;
+  roots[0] = 2.0 * m * portable::cos(theta / 3.0) - shift;
+  roots[1] = 2.0 * m * portable::cos((theta + kTwoPi) / 3.0) - shift;
+  roots[2] = 2.0 * m * portable::cos((theta + 2.0 * kTwoPi) / 3.0) - shift;
   return 3;
 }
 

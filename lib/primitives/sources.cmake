@@ -1,6 +1,7 @@
 # Tarnsysm: sources of the geometric primitives.
 list(APPEND TARNSYSM_SOURCES
   primitives/angles.cpp
+  primitives/elementary.cpp
   primitives/points.cpp
   primitives/queries.cpp
   primitives/solvers.cpp)
