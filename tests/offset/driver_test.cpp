@@ -19,7 +19,7 @@ using tarnsysm::detail::OffsetStepLimit;
 
 namespace {
 
-constexpr double kEps = 1e-9;
+constexpr double kEps = 0x1p-30;              // a power of two: 5 + kEps is exact
 const double kQuarter = std::tan(kPi / 8.0);  // bulge of a quarter turn
 
 // Each row's event from the geometry in its comment; *out holds the step when nothing is found.
@@ -78,12 +78,13 @@ TEST(OffsetStepLimit, limits_from_the_geometry) {
   const Rows square = rectangle(0, 0, 10, 10);
   const Rows circle = {{2, 0, kQuarter}, {0, 2, kQuarter}, {-2, 0, kQuarter}, {0, -2, kQuarter}};
   // A chord between two arcs of one circle keeps its length while everything moves; the arcs'
-  // centres, each from its own short chord, differ by round-off (once a phantom event).
+  // centres, each from its own short chord, differ by round-off, which off the origin
+  // once made a phantom event.
   Rows chord;
   const double b = std::tan(kPi / 200000.0);
   for (int k = 0; k < 4; ++k) {
     const double a = 2.0 * kPi * (33910 + k) / 100000.0;
-    chord.push_back({100.0 * std::cos(a), 100.0 * std::sin(a), k % 2 == 0 ? b : 0.0});
+    chord.push_back({100.0 * std::cos(a), 100.0 * std::sin(a) - 30.0, k % 2 == 0 ? b : 0.0});
   }
   const Row rows[] = {
       {"square_inwards_to_half_its_side", square, 1, 4, 2, -8, -5},
@@ -100,6 +101,17 @@ TEST(OffsetStepLimit, limits_from_the_geometry) {
       {"lens_open", kLens, 0, 2, 0, -10, -10},
       {"half_disc_inwards_until_line_and_circle_part", kHalfDisc, 1, 2, 1, -10, -2.5},
       {"doubled_line", {{0, 0, 0}, {10, 0, 0}}, 1, 2, 0, -8, -8},
+      // A neighbour whose line passes within eps of the far end, a line within eps of tangent
+      // to the next arc, an open end already on the next circle: none of them limits the step.
+      {"nearly_straight_on", {{1, 2, 0}, {2, 3, 0}, {2.01, 3.01 + 7e-10, 0}}, 0, 3, 1, -1e6, -1e6},
+      {"nearly_tangent_into_an_arc",
+       {{-1e-5, 2e-10, 0}, {0, 0, kQuarter}, {1, 1, 0}},
+       0,
+       3,
+       0,
+       -10,
+       -10},
+      {"open_end_on_the_next_circle", {{-3, -4, 0}, {5, 0, kQuarter}, {0, 5, 0}}, 0, 3, 0, -1, -1},
   };
   for (const Row& r : rows) {
     Polyline pl(r.rows);
@@ -219,6 +231,7 @@ TEST(PLineOffset, results_from_the_geometry) {
       {"rectangle_outwards", rect, 1, 30, 5, 0, 3, 4, 1, 26 * 16, {}},
       {"rectangle_inwards_to_its_midline", rect, 1, 5, 4, 0, 5, 2, 0, nan, {}},
       {"rectangle_inwards_past_its_midline", rect, 1, 5, 4, 0, 6, 0, 1, 0, {}},
+      {"rectangle_inwards_eps_past_its_midline", rect, 1, 5, 4, 0, 5 + kEps, 0, 1, 0, {}},
       {"circle_outwards", circleOfTwoArcs(1, 2, 5), 1, 1, 9, 0, 1, 2, 1, kPi * 36, {}},
       {"circle_inwards", circleOfTwoArcs(1, 2, 5), 1, 1, 3, 0, 2, 2, 1, kPi * 9, {}},
       {"circle_inwards_to_its_centre", circleOfTwoArcs(0, 0, 5), 1, 0, 1, 0, 5, 0, 1, 0, {}},

@@ -135,6 +135,7 @@ TEST(VertexDist, first_candidate_that_moves_the_piece_onto_the_point) {
       {5, -1, 10, 10, 1, 1},   // below the first segment
       {11, 5, 10, 10, 1, 1},   // right of the second: -5 moves the piece away, 1 onto it
       {12, 0, 0, 0, 1, 2},     // beyond the tip of a reversal: the half circle round the tip
+      {13, 4, 0, 0, 1, 5},     // the same half circle, off the axis
       {-5, 3, 10, 10, 0, 42},  // behind the start: nothing reaches it, *dist untouched
   };
   for (const auto& r : rows) {
@@ -161,7 +162,8 @@ TEST(TrimLoopS, keeps_the_piece_nearest_the_pick) {
     int kept, closedAfter;
     std::vector<std::vector<double>> want;
   };
-  const double q = std::tan(kPi / 8);
+  const double q = std::tan(kPi / 8), s2 = std::sqrt(2.0);
+  const double gap = 1.0 / std::tan(std::asin(1.5e-9) / 2.0), nan = std::nan("");
   // clang-format off
   const Row rows[] = {
       // In the loop, X carries the attributes of row j = 0.
@@ -183,6 +185,19 @@ TEST(TrimLoopS, keeps_the_piece_nearest_the_pick) {
       // loop keeps the head of the arc (a quarter turn); the rest is the half disc above.
       {"closing_segment_loop", kClosingArc, 1, 6, -3, 5, 1, {{4, 0, 0}, {10, 0}, {10, -6}, {2, -6}, {2, -2, q}}},
       {"closing_segment_rest", kClosingArc, 1, 2, 1, 2, 1, {{0, 0, 0}, {4, 0, 1}}},
+      {"closing_segment_rest_turned", {{0, 0, 0}, {0, 10, 0}, {6, 10, 0}, {6, 2, 0}, {2, 2, std::tan(3 * kPi / 8)}},
+       1, -1, 2, 2, 1, {{0, 0, 0}, {0, 4, 1}}},
+      // A line, then three quarters of the circle about (0.8, 0.1) through its end, which comes
+      // back across the line at (0.6, 0); the same scaled by 1000 and moved, from just before
+      // the crossing at (0, 0), where the cut row merges into row 0.
+      {"arc_back_across_the_line", {{0.575, 0, 0}, {1, 0, 1 + s2}, {0.7, -0.1, 0}}, 0, 0.65, -0.05, 3, 0,
+       {{0.575, 0}, {0.6, 0}, {0.7, -0.1}}},
+      {"large_arc_back_across_the_line", {{-1e-7, 0, 0}, {400, 0, 1 + s2}, {100, -100, 0}}, 0, 50, -80, 2, 0,
+       {{-1e-7, 0}, {100, -100}}},
+      // A circle of radius 5e4 about (0, -5e4) but for a gap of 1.5e-4 at (0, 0): the side
+      // y = -3e4 crosses it, first along the arc at x < 0.
+      {"nearly_whole_circle", {{0, 0, gap}, {1.5e-4, 0, 0}, {1e5, 0, 0}, {1e5, -3e4, 0}, {-1e5, -3e4, 0}}, 0,
+       -6e4, -2.9e4, 3, 0, {{0, 0}, {nan, -3e4}, {-1e5, -3e4}}},
   };
   // clang-format on
   for (const Row& r : rows) {
