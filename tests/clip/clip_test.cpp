@@ -1,16 +1,10 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Tests of rectangle clipping: clipped areas against slice integration, ring order, room,
 // sentinels.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <memory>
-#include <random>
-#include <vector>
 
 namespace {
 

@@ -1,16 +1,10 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Tests of the angular dimension's arc: on random line pairs against the wedge of the four rays
 // that holds the pick, in any order of lines and points, and its untouched outputs.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <cstring>
-#include <random>
 
 namespace {
 

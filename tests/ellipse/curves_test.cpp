@@ -4,8 +4,6 @@
 // of normals, tangent points, normal offsets and fillet centres against sampling and geometry.
 #include "ellipse_checks.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
 
 namespace {

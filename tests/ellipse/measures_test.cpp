@@ -3,8 +3,6 @@
 // and the AGM perimeter, and of every ellipse routine on hostile records.
 #include "ellipse_checks.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
 
 namespace {

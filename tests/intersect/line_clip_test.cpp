@@ -4,8 +4,6 @@
 // as many as the sign changes of the line's offset along the arc.
 #include "ellipse/ellipse_checks.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace tarnsysm::test;

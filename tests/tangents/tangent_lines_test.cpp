@@ -2,12 +2,10 @@
 // Tests of the tangent and perpendicular lines: tangency points on their circles, lines
 // perpendicular or parallel where stated, outer before inner, arc filtering and slot moves,
 // failure outputs and hostile numbers. Point arrays are exact-size heap buffers.
-#include <Tarnsysm.h>
 
 #include "circles/circle_checks.h"
 
 #include <array>
-#include <vector>
 
 namespace {
 
