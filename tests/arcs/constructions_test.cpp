@@ -161,6 +161,7 @@ TEST(DArc, table) {
       {"3p_clockwise_swaps_the_angles", 0, 0, 0, {1, 1}, {2, 0}, 1, 1, 0, 1, 0, kPi, 1},
       {"3p_counter_clockwise", 0, 0, 0, {-1, 1}, {-2, 0}, 1, -1, 0, 1, 0, kPi, -1},
       {"3p_second_point_exactly_eps_away", 0, 0, 0, {kE, 0}, {0, 1}, 1, kE / 2, 0.5, std::hypot(kE / 2, 0.5), std::atan2(-0.5, -kE / 2) + kTwoPi, std::atan2(0.5, -kE / 2) + kTwoPi, -1},
+      {"3p_third_point_exactly_eps_away", 0, 0, 0, {0, 1}, {kE, 0}, 1, kE / 2, 0.5, std::hypot(kE / 2, 0.5), std::atan2(-0.5, kE / 2) + kTwoPi, std::atan2(-0.5, -kE / 2) + 2 * kTwoPi, 1},
       {"3p_coincident", 0, 0, 0, {kE / 2, 0}, {0, 1}, 0, S, S, S, S, S, 99},
       {"3p_collinear", 0, 0, 0, {1, 1}, {3, 3}, 0, S, S, S, S, S, 99},
       {"sta_edp_left", 1, 0, 0, {1, 1}, {}, 1, 0, 1, 1, 3 * kHalfPi, kTwoPi, -1},

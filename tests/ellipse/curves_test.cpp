@@ -207,11 +207,16 @@ TEST(DLineNearEllipse, tangent_point_parallel_to_the_line) {
 TEST(EllipseDistPoint, fillet_centres_touch_both_arcs_on_the_stated_sides) {
   EllipseDraws draws(34, 2, 10, 3);
   int found = 0;
-  for (int i = 0; i < 40; ++i) {
-    const TSellipse e1 = draws();
-    TSellipse e2 = draws();
+  // Draw 40 is fixed: a pair on which a search for the distance from the arc's start would
+  // settle on a farther dip.
+  for (int i = 0; i <= 40; ++i) {
+    TSellipse e1 = draws(), e2 = draws();
     e2.center[0] = e1.center[0] + e1.a * 0.8;  // near enough to cross
     e2.center[1] = e1.center[1];
+    if (i == 40) {
+      e1 = ellipse(0, 0, 5, 7.9, 0.39, 1.86, 5.54);
+      e2 = ellipse(4, 0, 9.9, 3.8, 4.13, 0.09, 6.13);
+    }
     const double d = 0.2 + 0.3 * (i % 4);
     double out[3] = {kSentinel, kSentinel, kSentinel}, c1[3] = {e1.center[0], e1.center[1], 0};
     ASSERT_TRUE(EllipseDistPoint(1e-7, e1, e2, i % 2 ? -d : d, out) == 1 && out[2] == 0.0) << i;

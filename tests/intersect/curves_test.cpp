@@ -53,6 +53,7 @@ TEST(DCirLInts_DArcLInts, table) {
       {"secant_first_point_eps_past_end", {-3, 0, -1 - kE, 0}, {0, 0, 1}, 1, 0, 2, -1, 0, 1, 0, 0},
       {"distance_exactly_r_less_eps_meets_nothing", {-2, 1 - kE, 2, 1 - kE}, {0, 0, 1}, 1, 0, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
       {"line_not_longer_than_eps", {0, 0, kE, 0}, {0, 0, 1}, 1, 0, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
+      {"line_length_rounding_to_eps", {0, 0, kE, 0x1p-36}, {0, 0, 1}, 1, 0, 0, kUnwritten, kUnwritten, kUnwritten, kUnwritten, 0},
       {"arc_keeps_both", {-2, 0, 2, 0}, {0, 0, 1}, -1, 4, 2, -1, 0, 1, 0, 3},
       {"arc_keeps_the_first", {-3, 0, 0, 0}, {0, 0, 1}, kHalfPi, 3 * kHalfPi, 1, -1, 0, 1, 0, 1},
       {"arc_keeps_the_second_in_the_first_slot", {-3, 0, 2, 0}, {0, 0, 1}, -kHalfPi, kHalfPi, 1, 1, 0, 1, 0, 1},

@@ -141,7 +141,6 @@ const AreaCase kAreas[] = {
     {"circle_out", kCircle, "-d 1 --side outside", kPi * 36.0},
     {"circle_in", kCircle, "-d 1 --side inside", kPi * 16.0},
     {"circle_left", kCircle, "-d 2 --side left", kPi * 9.0},
-    {"circle_d4", kCircle, "-d 4 --side inside", kPi},
     {"half_disc", "closed 2\n-5 0 0\n5 0 1\n", "-d 1 --side inside",
      16.0 * std::acos(0.25) - std::sqrt(15.0)},
     {"eight_right", kEight, "-d 1 --side right", lobeArea(-1.0)},
