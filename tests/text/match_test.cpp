@@ -92,10 +92,12 @@ TEST(match, agrees_with_plain_recursion_on_random_short_inputs) {
 
 TEST(CString, finds_nothing_outside_the_text_and_clamps_slices) {
   CString s = " abca\t";
-  const int finds[] = {s.Find('a', 2),  s.Find('z'),   s.Find('a', -1), s.Find('a', 6),
-                       s.Find("ab", 2), s.Find("", 6), s.Find("", 7)};
-  const int expected[] = {4, -1, -1, -1, -1, 6, -1};
-  for (int k = 0; k < 7; ++k)
+  // A character search from the length finds nothing, not even the terminator; a text search
+  // from there finds the empty text.
+  const int finds[] = {s.Find('a', 2),  s.Find('z'),  s.Find('a', -1), s.Find('\0', 6),
+                       s.Find("ab", 2), s.Find("ab"), s.Find("", 6),   s.Find("", 7)};
+  const int expected[] = {4, -1, -1, -1, -1, 1, 6, -1};
+  for (int k = 0; k < 8; ++k)
     EXPECT_EQ(finds[k], expected[k]) << "find " << k;
   EXPECT_STREQ(s.Left(-3), "");
   EXPECT_STREQ(s.Left(99), s);
