@@ -364,6 +364,21 @@ TEST(Tool, svg_draws_arcs_with_y_pointing_up) {
   EXPECT_LT(y2, y0);
 }
 
+TEST(Tool, pick_distances_to_lines_and_arcs) {
+  // Rows: start (x, y, bulge), end, pick, distance. The line from (1, 1) to (5, 3): from its foot
+  // (3, 2), and past its end. The half circle from (1, 1) to (3, 3) about (2, 2), bowing right of
+  // travel: from outside through its middle (3, 1) and through its point at 30 degrees, and from
+  // (0, 3), whose nearest circle point lies off the arc, so the nearer end (1, 1) counts.
+  const double rows[][8] = {{1, 1, 0, 5, 3, 2, 4, std::sqrt(5.0)},
+                            {1, 1, 0, 5, 3, 7, 3, 2},
+                            {1, 1, 1, 3, 3, 4, 0, std::sqrt(2.0)},
+                            {1, 1, 1, 3, 3, 2 + 1.5 * std::sqrt(3.0), 3.5, 3 - std::sqrt(2.0)},
+                            {1, 1, 1, 3, 3, 0, 3, std::sqrt(5.0)}};
+  for (const auto& r : rows)
+    EXPECT_NEAR(distanceToSegment({r[0], r[1], r[2]}, {r[3], r[4], 0}, {r[5], r[6]}), r[7], 1e-12)
+        << r[5] << " " << r[6];
+}
+
 TEST(Tool, example_gasket_is_offset_whole_and_is_what_its_generator_writes) {
   // The README's first command, and examples/gasket.dxf cannot drift from its source.
   TempDir dir;
