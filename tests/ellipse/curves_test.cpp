@@ -182,8 +182,10 @@ TEST(EllipseNormals, nearest_points_feet_tangents_and_normal_offsets) {
               out[1] == below[1] && out[2] == 0.0);
   EXPECT_EQ(DPnearEllipseArc(upper, centre, out), 1.0);
   EXPECT_NEAR(out[1], -1.0, 1e-15);
-  double left[3] = {-5, 0, 0};  // on the first axis line: the vertex on its side
+  // On an axis line: the vertex on its side, here 2 away on either axis.
+  double left[3] = {-5, 0, 0}, low[3] = {0, -3, 0};
   EXPECT_TRUE(DPnearEllipseArc(ellipse(0, 0, 3, 1, 0), left, out) == 2.0 && out[0] == -3.0);
+  EXPECT_TRUE(DPnearEllipseArc(ellipse(0, 0, 3, 1, 0), low, out) == 2.0 && out[1] == -1.0);
 }
 
 TEST(DLineNearEllipse, tangent_point_parallel_to_the_line) {
