@@ -231,7 +231,7 @@ TEST(EllipseDistPoint, fillet_centres_touch_both_arcs_on_the_stated_sides) {
                 PointInEllipse(e2, out) == (PointInEllipse(e2, c1) == 1 ? 1 : -1))
         << i;
   }
-  EXPECT_GT(found, 10);
+  EXPECT_GT(found, 13);  // 15 of the 41 pairs with these draws; a coarser walk misses some
   double out[3];
   EllipseDistPoint(1e-3, ellipse(0, 0, 2, 1, 0), ellipse(1, 0, 2, 1, 0), 1e-4, out);  // |d| < eps
   EXPECT_TRUE(std::isnan(out[0]));
