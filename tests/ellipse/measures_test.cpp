@@ -3,6 +3,7 @@
 // and the AGM perimeter, and of every ellipse routine on hostile records.
 #include "ellipse_checks.h"
 
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -100,7 +101,7 @@ TEST(EllipseLengthToPAngle, walks_and_equal_parts_within_one_step) {
   int nNone = 3, nEdge = 3;
   EllipseDivide(arc, nNone, none, 0);
   EllipseDivide(arc, nEdge, edge, -1e-10);
-  EXPECT_TRUE(nNone == nEdge && std::equal(none[0], none[0] + 3 * nNone, edge[0]));
+  EXPECT_TRUE(nNone == nEdge && std::memcmp(none, edge, sizeof none[0] * nNone) == 0);
   double t = kSentinel;
   EXPECT_EQ(EllipseLengthToPAngle(ellipse(0, 0, 2, 1, 0), 0, t, 10, 1), 0);  // beyond the perimeter
   EXPECT_EQ(t, kSentinel);
