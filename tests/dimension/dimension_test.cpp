@@ -125,9 +125,12 @@ TEST(DimensionHelpers, give_the_hand_computed_values) {
     const int got = DIM_GetTxtEfctLen(b[0] != 0, 1e-9, 4, 1, b[1], b[2], &half);
     EXPECT_TRUE(gives(got, int(b[3]), {half}, {b[4]}, 1e-14)) << b[0] << " " << b[1] << " " << b[2];
   }
-  double half = 9, dist[3], foot[2];
-  const int thin = DIM_GetTxtEfctLen(1, 1e-9, 0, 1, 0, 0, &half);  // no width: 0, and out 0
-  EXPECT_TRUE(gives(thin, 0, {half}, {0}, 0));
+  // No width: 0, and out 0; a width or height of exactly eps still makes a box.
+  double half = 9, edge[2], dist[3], foot[2];
+  const int thin = DIM_GetTxtEfctLen(1, 1e-9, 0, 1, 0, 0, &half);
+  const int edges = DIM_GetTxtEfctLen(0, 1e-9, 1e-9, 1, 0, 0, &edge[0]) +
+                    DIM_GetTxtEfctLen(0, 1e-9, 4, 1e-9, 0, 0, &edge[1]);
+  EXPECT_TRUE(gives(thin, 0, {half}, {0}, 0) && gives(edges, 2, {edge[0], edge[1]}, {5e-10, 2}, 0));
   // (0, 5) from the line through (1, 1) and (5, 4), and from a line of one point (3, 1); (4, 3)
   // from the line through the origin along (0.6, 0.8), with its foot.
   EXPECT_EQ(DIM_PToLineDis1(1e-9, 0, 5, 1, 1, 5, 4, &dist[0]) +

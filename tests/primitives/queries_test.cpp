@@ -17,6 +17,7 @@ TEST(DPointOnLine_DPointOnArc, table) {
       {"beyond_the_end_by_eps", 5 + kE, 1, 1, 1, 5, 1, 1},
       {"beyond_the_end_by_two_eps", 5 + 2 * kE, 1, 1, 1, 5, 1, 0},
       {"before_the_start_by_eps", 1 - kE, 1, 1, 1, 5, 1, 1},
+      {"reversed_beyond_the_end_by_eps", 1 - kE, 1, 5, 1, 1, 1, 1},
       {"vertical_below_the_bottom_by_eps", 2, 1 - kE, 2, 1, 2, 5, 1},
       {"vertical_beyond_the_top_by_eps", 2, 5 + kE, 2, 1, 2, 5, 1},
       {"vertical_below_the_bottom_by_two_eps", 2, 1 - 2 * kE, 2, 1, 2, 5, 0},
