@@ -78,6 +78,14 @@ inline testing::AssertionResult near(std::initializer_list<double> got,
   return testing::AssertionSuccess();
 }
 
+/// The call returned `want` and wrote the outputs wanted (a sentinel wanted stays exactly).
+inline testing::AssertionResult gives(int got, int want, std::initializer_list<double> outputs,
+                                      std::initializer_list<double> wanted, double tol) {
+  if (got != want)
+    return testing::AssertionFailure() << "result " << got << ", not " << want;
+  return near(outputs, wanted, tol);
+}
+
 /// Every value still holds kUnwritten: the call wrote none of these outputs.
 inline testing::AssertionResult untouched(std::initializer_list<double> values) {
   for (double v : values) {

@@ -5,11 +5,6 @@
 
 #include "test_support.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
-
 namespace circles_test {
 
 using namespace tarnsysm::test;

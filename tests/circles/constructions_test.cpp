@@ -3,7 +3,6 @@
 // returned circle meets its conditions, picks at the touching points of a chosen circle bring
 // that circle back and hostile numbers give zero or finite circles; then stated orders, ties and
 // failures.
-#include <Tarnsysm.h>
 
 #include "circle_checks.h"
 

@@ -1,12 +1,8 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Tests of the fitted circles: least-squares circles of exact and noisy points, and the
 // four-centre arcs of an ellipse.
-#include <Tarnsysm.h>
 
 #include "circle_checks.h"
-
-#include <algorithm>
-#include <vector>
 
 namespace {
 

@@ -1,16 +1,10 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Tests of rectangle clipping: clipped areas against slice integration, ring order, room,
 // sentinels.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <memory>
-#include <random>
-#include <vector>
 
 namespace {
 
@@ -91,6 +85,9 @@ TEST(RectClipPolygon, gives_the_documented_ring) {
                  {5, 9, 1, 8, 1, 1, 5, 1, 9, 2, 9, 8, 5, 9}},
       {"outside", {11, 1, 12, 1, 12, 2, 11, 1}, 0, {}},
       {"vertex_on_a_side", {2, 2, 10, 5, 2, 8, 2, 2}, 5, {10, 5, 10, 5, 2, 8, 2, 2, 10, 5}},
+      {"vertex_on_the_top", {2, 2, 5, 10, 8, 2, 2, 2}, 5, {}},
+      {"vertex_on_the_bottom", {2, 8, 5, 0, 8, 8, 2, 8}, 5, {}},
+      {"two_points_in_one_place", {5, 5, 5, 5}, 2, {5, 5, 5, 5}},
       {"unrepeated_start_loses_the_closing_edge", {2, 2, 8, 2, 5, 8}, 3, {5, 8, 8, 2, 5, 8}},
       {"single_point", {5, 5}, 0, {}},
       {"nearly_flat_crossing", {6, -1, 0, 10, 15, 10}, 5, {10, 10, 0, 10, 0, 10, 10, 10, 10, 10}},
@@ -105,6 +102,15 @@ TEST(RectClipPolygon, gives_the_documented_ring) {
     const bool closed = c.count == 0 || (out[0] == out[2 * c.count - 2] && out[1] == out.back());
     EXPECT_TRUE(closed) << c.name;
   }
+}
+
+TEST(EdgeClipEdge, crossing_too_flat_for_the_unit_direction_is_interpolated_along_the_edge) {
+  // Across y = 10 by 2^-39 over a run of 8: half way along, at x = 4.
+  double s[2] = {0, 10 - 0x1p-40}, p[2] = {8, 10 + 0x1p-40},
+         out[2][2] = {{kSentinel, kSentinel}, {kSentinel, kSentinel}};
+  int count = 0;
+  EdgeClipEdge(1, 10.0, s, p, count, out);
+  EXPECT_TRUE(count == 1 && out[0][0] == 4 && out[0][1] == 10 && out[1][0] == kSentinel);
 }
 
 TEST(EdgeClipPolygon, needs_at_most_three_halves_of_the_input_and_can_need_all_of_it) {

@@ -1,16 +1,10 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
 // Tests of the angular dimension's arc: on random line pairs against the wedge of the four rays
 // that holds the pick, in any order of lines and points, and its untouched outputs.
-#include <Tarnsysm.h>
 
 #include "test_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <cstring>
-#include <random>
 
 namespace {
 
@@ -86,6 +80,7 @@ TEST(DIM_ArcCal, pick_on_a_ray_starts_there_and_an_end_of_two_pi_stays) {
   ASSERT_EQ(arcCal({-1, 0, 1, 0}, {0, -1, 0, 1}, 0, -3, arc), 1);
   EXPECT_NEAR(arc.start, 3 * kHalfPi, 1e-15);
   EXPECT_NEAR(arc.end, kTwoPi, 1e-15);
+  EXPECT_EQ(arcCal({-1, 0, 1, 0}, {0, -1, 0, 1}, 1e-9, 0, arc), 1);  // exactly eps from the vertex
 }
 
 TEST(DIM_ArcCal, writes_nothing_without_a_dimension) {
@@ -100,6 +95,50 @@ TEST(DIM_ArcCal, writes_nothing_without_a_dimension) {
     EXPECT_EQ(arcCal({c[0], c[1], c[2], c[3]}, {c[4], c[5], c[6], c[7]}, c[8], c[8] / 2, arc), 0);
     EXPECT_EQ(std::memcmp(&arc, &untouched, sizeof arc), 0);
   }
+}
+
+// The small helpers at hand-computed points.
+TEST(DimensionHelpers, give_the_hand_computed_values) {
+  double p1[2] = {1, 2}, p2[2] = {4, 6}, along, slant, d[4], q[2], w[2];
+  DIM_DisAng2P(0, p1, p2, 0, &along);
+  DIM_DisAng2P(0, p1, p2, std::atan2(4, 3), &slant);
+  EXPECT_TRUE(near({along, slant}, {3, 5}, 1e-14));
+  // The diameter through (4, 5) of the circle of radius 2 about (1, 1): along (0.6, 0.8).
+  const int diameter = DIM_GetCirDiaPt(1e-9, 1, 1, 4, 5, 2, &d[0], &d[1], &d[2], &d[3]);
+  EXPECT_TRUE(gives(diameter, 1, {d[0], d[1], d[2], d[3]}, {-0.2, -0.6, 2.2, 2.6}, 1e-14));
+  // (3, 4) with (1, 2) added, (4, 6), or taken away, (2, 2), then turned by -pi / 2.
+  double p[2] = {3, 4};
+  EXPECT_EQ(DIM_UcToWc(p1, kHalfPi, p, q) + DIM_WcToUc(p1, kHalfPi, p, w), 2);
+  EXPECT_TRUE(near({q[0], q[1], w[0], w[1]}, {6, -4, 2, -2}, 1e-14));
+  // A 4 x 1 text box: flag, direction, limit, result, half-length. Along, across, out through a
+  // long side at 45 degrees and through a short one at slope 0.1; with the flag, a projected
+  // half-extent short of the limit (0.5 across, 2 along) gives 0.
+  const double boxes[][5] = {{0, 0, 0, 1, 2},
+                             {0, kHalfPi, 0, 1, 0.5},
+                             {0, kPi / 4, 0, 1, std::sqrt(0.5)},
+                             {0, std::atan(0.1), 0, 1, 2 * std::sqrt(1.01)},
+                             {1, 0, 0.6, 1, 0},
+                             {1, kHalfPi, 2.5, 1, 0},
+                             {1, kHalfPi, 1.5, 1, 0.5}};
+  for (const auto& b : boxes) {
+    double half = kUnwritten;
+    const int got = DIM_GetTxtEfctLen(b[0] != 0, 1e-9, 4, 1, b[1], b[2], &half);
+    EXPECT_TRUE(gives(got, int(b[3]), {half}, {b[4]}, 1e-14)) << b[0] << " " << b[1] << " " << b[2];
+  }
+  // No width: 0, and out 0; a width or height of exactly eps still makes a box.
+  double half = 9, edge[2], dist[3], foot[2];
+  const int thin = DIM_GetTxtEfctLen(1, 1e-9, 0, 1, 0, 0, &half);
+  const int edges = DIM_GetTxtEfctLen(0, 1e-9, 1e-9, 1, 0, 0, &edge[0]) +
+                    DIM_GetTxtEfctLen(0, 1e-9, 4, 1e-9, 0, 0, &edge[1]);
+  EXPECT_TRUE(gives(thin, 0, {half}, {0}, 0) && gives(edges, 2, {edge[0], edge[1]}, {5e-10, 2}, 0));
+  // (0, 5) from the line through (1, 1) and (5, 4), and from a line of one point (3, 1); (4, 3)
+  // from the line through the origin along (0.6, 0.8), with its foot.
+  EXPECT_EQ(DIM_PToLineDis1(1e-9, 0, 5, 1, 1, 5, 4, &dist[0]) +
+                DIM_PToLineDis1(1e-9, 0, 5, 3, 1, 3, 1, &dist[1]) +
+                DIM_PToLineDis2(4, 3, 0, 0, 0.6, 0.8, &dist[2], &foot[0], &foot[1]),
+            3);
+  EXPECT_TRUE(
+      near({dist[0], dist[1], dist[2], foot[0], foot[1]}, {3.8, 5, 1.4, 2.88, 3.84}, 1e-14));
 }
 
 }  // namespace

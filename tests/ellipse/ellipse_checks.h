@@ -4,14 +4,7 @@
 // parameter, and random ellipses with fixed seeds.
 #pragma once
 
-#include <Tarnsysm.h>
-
 #include "test_support.h"
-
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <vector>
 
 namespace tarnsysm::test {
 

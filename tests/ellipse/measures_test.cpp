@@ -3,8 +3,7 @@
 // and the AGM perimeter, and of every ellipse routine on hostile records.
 #include "ellipse_checks.h"
 
-#include <gtest/gtest.h>
-
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -96,6 +95,13 @@ TEST(EllipseLengthToPAngle, walks_and_equal_parts_within_one_step) {
       EXPECT_NEAR(std::remainder(rows[k][2] - dir, kTwoPi), 0, 1e-9) << i;
     }
   }
+  // A margin of exactly -1e-10 is still no margin: the same points as 0, not the midpoints.
+  const TSellipse arc = ellipse(1, 2, 3, 1, 0.3, 0.5, 2.5);
+  double none[4][3], edge[4][3];
+  int nNone = 3, nEdge = 3;
+  EllipseDivide(arc, nNone, none, 0);
+  EllipseDivide(arc, nEdge, edge, -1e-10);
+  EXPECT_TRUE(nNone == nEdge && std::memcmp(none, edge, sizeof none[0] * nNone) == 0);
   double t = kSentinel;
   EXPECT_EQ(EllipseLengthToPAngle(ellipse(0, 0, 2, 1, 0), 0, t, 10, 1), 0);  // beyond the perimeter
   EXPECT_EQ(t, kSentinel);

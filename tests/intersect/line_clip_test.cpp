@@ -4,8 +4,6 @@
 // as many as the sign changes of the line's offset along the arc.
 #include "ellipse/ellipse_checks.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace tarnsysm::test;
@@ -24,6 +22,7 @@ TEST(LineIntEdge, flags_and_parameters_along_the_x_axis) {
       {"edge_on_the_line", 1, 0, 3, 0, 2, 1, 3, 3, 3},
       {"parallel_edge_off_the_line", 0, 1, 3, 1, 0, kNaN, kNaN, 0, 0},
       {"crossing", 3, -1, 3, 1, 1, 3, kNaN, 0, 0},
+      {"shallow_crossing", 0, -1, 4, 1, 1, 2, kNaN, 0, 0},
       {"end_at_half_eps_is_on", 2, kEps / 2, 2, 1 + kEps / 2, 1, 2, kNaN, 5, 0},
       {"end_at_eps_is_off_but_crossing", 2, kEps, 2, 1 + kEps, 1, 2, kNaN, 0, 0},
       {"end_at_two_eps_misses", 2, 2 * kEps, 2, 1 + 2 * kEps, 0, kNaN, kNaN, 0, 0},
@@ -61,6 +60,18 @@ TEST(LineIntCircle, parameters_of_circles_arcs_and_ellipses) {
     EXPECT_TRUE(r.n < 1 || (t1 == r.t1 && (r.n < 2 || t2 == r.t2))) << r.name;
   }
   int f1 = 0, f2 = 0;
+  // An oblique line: the end on it sits at its projection, parameter 2, the edge going left.
+  ASSERT_EQ(LineIntEdge(kEps, 0, 0, 1, 1, 2, 2, 2, 5, &t1, &t2, &f1, &f2), 1);
+  EXPECT_TRUE(t1 == 2 && f1 == 5);
+  // A line through the start of the arc of the 2 x 1 ellipse from pi / 3: the arc leaves along
+  // (-sqrt 3, 1/2), right of the direction (1, -1) and left of (-1, 1).
+  for (const double s : {1.0, -1.0}) {
+    ASSERT_EQ(LineIntEarc(kEps, 1 - 3 * s, std::sqrt(0.75) + 3 * s, s, -s, 0, 0, 2, 1, 0, kPi / 3,
+                          kPi, &t1, &t2, &f1, &f2),
+              1)
+        << s;
+    EXPECT_TRUE(std::fabs(t1 - 3) < 1e-12 && ((f1 & 4) != 0) == (s < 0)) << s;
+  }
   // Both ends of the upper half circle lie on y = 0: start in t1 (5), end in t2 (6).
   ASSERT_EQ(LineIntArc(kEps, -2, 0, 1, 0, 0, 0, 1, 0, kPi, &t1, &t2, &f1, &f2), 2);
   EXPECT_TRUE(t1 == 3 && f1 == 5 && std::fabs(t2 - 1) < 1e-15 && f2 == 6);

@@ -31,11 +31,10 @@ TEST(DAngle, table) {
   };
   // clang-format on
   for (const auto& r : rows) {
-    SCOPED_TRACE(r.name);
     double angle = kUnwritten;
-    EXPECT_EQ(DAngle(r.eps, r.x1, r.y1, r.x2, r.y2, &angle), r.result);
-    EXPECT_NEAR(angle, r.angle, r.tol);
-    EXPECT_TRUE(angleInTurn(r.eps, angle));
+    const int got = DAngle(r.eps, r.x1, r.y1, r.x2, r.y2, &angle);
+    EXPECT_TRUE(gives(got, r.result, {angle}, {r.angle}, r.tol) && angleInTurn(r.eps, angle))
+        << r.name;
   }
 }
 
@@ -43,9 +42,7 @@ TEST(fpos2pi, table) {
   // clang-format off
   const struct { const char* name; double eps, in, out, tol; } rows[] = {
       {"two_pi_is_zero", kE, kTwoPi, 0.0, 0},
-      {"above_a_turn", kE, 7.0, 7.0 - kTwoPi, 1e-15},
       {"turns_above", kE, 3 * kTwoPi + 0.5, 0.5, 1e-14},
-      {"negative", kE, -3.0, kTwoPi - 3.0, 1e-15},
       {"turns_below", kE, -5 * kTwoPi - 1.0, kTwoPi - 1.0, 1e-13},
       {"in_the_turn_unchanged", kE, 6.0, 6.0, 0},
       {"half_eps_below_kept", kE, -0.5 * kE, -0.5 * kE, 0},
@@ -57,11 +54,9 @@ TEST(fpos2pi, table) {
   };
   // clang-format on
   for (const auto& r : rows) {
-    SCOPED_TRACE(r.name);
     double a = r.in;
     fpos2pi(r.eps, &a);
-    EXPECT_NEAR(a, r.out, r.tol);
-    EXPECT_TRUE(angleInTurn(r.eps, a));
+    EXPECT_TRUE(near({a}, {r.out}, r.tol) && angleInTurn(r.eps, a)) << r.name;
   }
   double minusTurn = -kTwoPi;  // fmod keeps the sign: -0, which is not below -eps
   fpos2pi(kE, &minusTurn);
@@ -70,10 +65,8 @@ TEST(fpos2pi, table) {
 
 TEST(arcsin_arccos, exact_ends_inside_and_zero_outside) {
   EXPECT_TRUE(near({arcsin(-0.5), arccos(-0.5)}, {-kPi / 6, 2 * kPi / 3}, 1e-15));
-  EXPECT_EQ(arcsin(1.0), kHalfPi);
-  EXPECT_EQ(arcsin(-1.0), -kHalfPi);
-  EXPECT_EQ(arccos(-1.0), kPi);
-  EXPECT_EQ(arccos(1.0), 0.0);
+  EXPECT_TRUE(
+      near({arcsin(1.0), arcsin(-1.0), arccos(-1.0), arccos(1.0)}, {kHalfPi, -kHalfPi, kPi, 0}, 0));
   // No clamping: a rounding step outside is 0, for arccos below -1 too.
   for (double x : {1.5, -1.5, std::nextafter(1.0, 2.0), std::nextafter(-1.0, -2.0), kNaN, kInf}) {
     EXPECT_EQ(arcsin(x), 0.0) << x;
@@ -91,13 +84,8 @@ TEST(ValidAngle, table) {
       {"end_plus_half_eps", s, e, e + 0.5 * kE, 1},
       {"end_plus_eps", s, e, e + kE, 1},
       {"end_plus_two_eps", s, e, e + 2 * kE, 0},
-      {"opposite_side", s, e, s + kPi + 0.5, 0},
-      {"angle_turns_up", s, e, s + 0.7 + 2 * kTwoPi, 1},
-      {"angle_turns_down", s, e, s + 0.7 - 3 * kTwoPi, 1},
       {"through_zero_at_zero", 3 * kHalfPi, kHalfPi, 0.0, 1},
       {"through_zero_just_below_a_turn", 3 * kHalfPi, kHalfPi, kTwoPi - kE / 2, 1},
-      {"through_zero_pi_outside", 3 * kHalfPi, kHalfPi, kPi, 0},
-      {"end_turns_below", 3 * kHalfPi, kHalfPi - 2 * kTwoPi, 0.2, 1},
       {"empty_sweep_half_eps_after", 2.0, 2.0, 2.0 + 0.5 * kE, 1},
       {"empty_sweep_two_eps_before", 2.0, 2.0, 2.0 - 2 * kE, 0},
       {"empty_sweep_a_turn_away", 2.0, 2.0, 2.0 - kTwoPi, 1},
@@ -165,18 +153,18 @@ TEST(Points, coincidence_distances_copies_rotation_and_unit_vectors) {
   EXPECT_EQ(SamePoint(kE, 0, 0, 0, kE), 0);  // exactly eps apart: two points
   EXPECT_EQ(SamePoint(0.0, 1, 1, 1, 1), 0);
   double p[3] = {1, 2, 99}, q[3] = {4, 6, -99};
-  EXPECT_EQ(DistBetweenPoint(p, q), 5.0);  // planar: z ignored
-  EXPECT_EQ(DistBetweenPoint(1, 2, 4, -2), 5.0);
-  EXPECT_EQ(DistBetweenPoint(1, 1, 1, 3, 4, 7), 7.0);  // 2, 3, 6
+  // Planar with z ignored, planar from coordinates, and in space (2, 3, 6).
+  EXPECT_TRUE(near(
+      {DistBetweenPoint(p, q), DistBetweenPoint(1, 2, 4, -2), DistBetweenPoint(1, 1, 1, 3, 4, 7)},
+      {5, 5, 7}, 0));
   double dst[3];
   Assign3DPoint(dst, q);
-  EXPECT_TRUE(dst[0] == 4 && dst[1] == 6 && dst[2] == -99);
+  EXPECT_TRUE(near({dst[0], dst[1], dst[2]}, {4, 6, -99}, 0));
   Assign3DPoint(dst, 7, 8, 9);
-  EXPECT_TRUE(dst[0] == 7 && dst[1] == 8 && dst[2] == 9);
+  EXPECT_TRUE(near({dst[0], dst[1], dst[2]}, {7, 8, 9}, 0));
   double r[3] = {2, 1, 5};
   RotatePoint(kHalfPi, r);
-  EXPECT_TRUE(near({r[0], r[1]}, {-1, 2}, 1e-15));
-  EXPECT_EQ(r[2], 5);
+  EXPECT_TRUE(near({r[0], r[1], r[2]}, {-1, 2, 5}, 1e-15));
   double ux = kUnwritten, uy = kUnwritten;
   EXPECT_EQ(DLineUnitVector(kE, 1, 1, 1, 1 + kE / 2, &ux, &uy), 0);
   EXPECT_EQ(DLineUnitVector(kE, 1, 1, kNaN, 1, &ux, &uy), 0);

@@ -16,6 +16,9 @@ TEST(DPointOnLine_DPointOnArc, table) {
       {"two_eps_off_the_line", 3, 1 + 2 * kE, 1, 1, 5, 1, 0},
       {"beyond_the_end_by_eps", 5 + kE, 1, 1, 1, 5, 1, 1},
       {"beyond_the_end_by_two_eps", 5 + 2 * kE, 1, 1, 1, 5, 1, 0},
+      {"before_the_start_by_eps", 1 - kE, 1, 1, 1, 5, 1, 1},
+      {"reversed_beyond_the_end_by_eps", 1 - kE, 1, 5, 1, 1, 1, 1},
+      {"vertical_below_the_bottom_by_eps", 2, 1 - kE, 2, 1, 2, 5, 1},
       {"vertical_beyond_the_top_by_eps", 2, 5 + kE, 2, 1, 2, 5, 1},
       {"vertical_below_the_bottom_by_two_eps", 2, 1 - 2 * kE, 2, 1, 2, 5, 0},
       {"oblique_midpoint", 2.5, 4, 1, 2, 4, 6, 1},
@@ -73,13 +76,11 @@ TEST(DPointVerL_DPonLdisP_DPnearLine, table) {
   };
   // clang-format on
   for (const auto& r : rows) {
-    SCOPED_TRACE(r.name);
     double x = kUnwritten, y = kUnwritten;
     const int got = r.fn == 0   ? DPointVerL(kE, r.px, r.py, r.x1, r.y1, r.x2, r.y2, &x, &y)
                     : r.fn == 1 ? DPonLdisP(kE, r.px, r.x1, r.y1, r.x2, r.y2, &x, &y)
                                 : DPnearLine(kE, r.px, r.py, r.x1, r.y1, r.x2, r.y2, &x, &y);
-    EXPECT_EQ(got, r.result);
-    EXPECT_TRUE(near({x, y}, {r.x, r.y}, 1e-12));
+    EXPECT_TRUE(gives(got, r.result, {x, y}, {r.x, r.y}, 1e-12)) << r.name;
   }
 }
 
@@ -106,12 +107,10 @@ TEST(DPnearArc_DPonAperK, table) {
   };
   // clang-format on
   for (const auto& r : rows) {
-    SCOPED_TRACE(r.name);
     double x = kUnwritten, y = kUnwritten, centre[2] = {1, 2};
     const int got = r.fn == 0 ? DPnearArc(kE, r.px, r.py, 1, 2, r.r, r.sa, r.ea, &x, &y)
                               : DPonAperK(kE, r.px, centre, r.r, r.sa, r.ea, &x, &y);
-    EXPECT_EQ(got, r.result);
-    EXPECT_TRUE(near({x, y}, {r.x, r.y}, 1e-12));
+    EXPECT_TRUE(gives(got, r.result, {x, y}, {r.x, r.y}, 1e-12)) << r.name;
   }
 }
 
@@ -133,14 +132,12 @@ TEST(DPonPLperV, table) {
   };
   // clang-format on
   for (const auto& r : rows) {
-    SCOPED_TRACE(r.name);
     double p1[2] = {0, 0}, p2[2] = {r.x2, 0}, out[3] = {kUnwritten, kUnwritten, kUnwritten};
-    EXPECT_EQ(DPonPLperV(kE, r.k, p1, p2, r.bulge, out), r.result);
-    EXPECT_TRUE(near({out[0], out[1]}, {r.x, r.y}, 1e-12));
-    if (r.result == 1)
-      EXPECT_TRUE(sameDirection(out[2], r.dir, 1e-12) && angleInTurn(kE, out[2]));
-    else
-      EXPECT_TRUE(untouched({out[2]}));
+    const int got = DPonPLperV(kE, r.k, p1, p2, r.bulge, out);
+    EXPECT_TRUE(gives(got, r.result, {out[0], out[1]}, {r.x, r.y}, 1e-12)) << r.name;
+    EXPECT_TRUE(got == 1 ? sameDirection(out[2], r.dir, 1e-12) && angleInTurn(kE, out[2])
+                         : untouched({out[2]}))
+        << r.name;
   }
 }
 

@@ -2,12 +2,10 @@
 // Tests of the tangent and perpendicular lines: tangency points on their circles, lines
 // perpendicular or parallel where stated, outer before inner, arc filtering and slot moves,
 // failure outputs and hostile numbers. Point arrays are exact-size heap buffers.
-#include <Tarnsysm.h>
 
 #include "circles/circle_checks.h"
 
 #include <array>
-#include <vector>
 
 namespace {
 
@@ -163,6 +161,11 @@ TEST(TangentLines, stated_counts_orders_and_failures) {
     EXPECT_TRUE(c[2] ? arc[0].x == 3 && arc[1].x == 3 && arc[1].y == c[3] : arc[0].x == kSentinel)
         << c[0];
   }
+  // A line of one point, (1, 3) from the centre: the line from it through the centre, nearer
+  // crossing first.
+  Points off(3);
+  EXPECT_EQ(DLperLperArc(kEps, 4, 7, 4, 7, 3, 4, 2, 0, kTwoPi, off.rows()), 2);
+  EXPECT_LT(dist(off[1], {3 + 2 / std::sqrt(10.0), 4 + 6 / std::sqrt(10.0)}), 1e-12);
   // A point circle: one line from the foot to the centre.
   EXPECT_EQ(DLperLtangC(kEps, 0, 0, 4, 0, 1, 3, 0, two.rows()), 1);
   EXPECT_TRUE(two[0].x == 1 && two[0].y == 0 && two[1].x == 1 && two[1].y == 3);

@@ -24,13 +24,14 @@ struct TextCase {
 // size and one short (-1, out untouched).
 void checkTexts(int mode, std::initializer_list<TextCase> cases) {
   for (const TextCase& c : cases) {
+    SCOPED_TRACE(testing::Message() << "mode " << mode << ": " << c.expected);
     const std::size_t room = std::strlen(c.expected) + 1;
     std::unique_ptr<char[]> out(new char[room]);
-    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get()), 1) << c.expected;
+    EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get()), 1);
     EXPECT_STREQ(out.get(), c.expected);
     std::memset(out.get(), '#', room);
     EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get(), room - 1), -1);
-    EXPECT_EQ(std::string(out.get(), room), std::string(room, '#')) << c.expected;
+    EXPECT_EQ(std::string(out.get(), room), std::string(room, '#'));
     EXPECT_EQ(DnTos(mode, c.prec, c.zeros, c.style, c.value, out.get(), room), 1);
     EXPECT_STREQ(out.get(), c.expected);
   }
@@ -38,36 +39,29 @@ void checkTexts(int mode, std::initializer_list<TextCase> cases) {
 
 // One row per line would hide the tables.
 // clang-format off
-TEST(DnTos, scientific) {
+TEST(DnTos, every_mode) {
+  // Scientific
   checkTexts(1, {{2, 0, 0, 1500, "1.50e+03"}, {-1, 0, 0, 0.5, "5.000000e-01"},
       {0, 0, 0, -2.5, "-2e+00"}, {2, 0, 0, 1e300, "1.00e+300"}, {3, 0, 0, kNaN, "nan"}});
-}
-
-TEST(DnTos, decimal_with_zero_suppression) {
+  // Decimal with zero suppression
   checkTexts(2, {{3, 12, 0, 0.5, ".5"}, {2, 12, 0, 0, "0"}, {2, 8, 0, 2, "2"}, {3, 12, 0, 10, "10"},
       {2, 4, 0, 0.05, ".05"}, {-1, 8, 0, 1.25, "1.25"}, {2, 3, 0, 1.5, "1.50"},
       {2, -1, 0, 0.5, "0.50"}, {0, 12, 0, 0.5, "0"}, {2, 0, 0, 0.125, "0.12"},
       {2, 0, 0, 0.375, "0.38"}, {2, 0, 0, -0.0, "-0.00"}, {2, 8, 0, -0.0, "-0"},
       {1200, 8, 0, 1.5, "1.5"}});
-}
-
-TEST(DnTos, feet_and_decimal_inches) {
+  // Feet and decimal inches
   checkTexts(3, {{2, 0, 0, 30.5, "2'-6.50\""}, {2, 0, 1, 30.5, "2'6.50\""}, {2, 0, 0, 6.5, "6.50\""},
       {2, 1, 0, 6.5, "0'-6.50\""}, {2, 2, 0, 6.5, "0'-6.50\""}, {2, 3, 0, 6.5, "6.50\""},
       {2, 0, 0, -6.5, "6.50\""}, {2, 0, 0, -30.5, "-2'-6.50\""}, {2, 0, 0, 11.999, "12.00\""},
       {2, 4, 0, 0.5, ".50\""}, {0, 4, 0, 24, "2'"}, {0, 4, 0, 0, "0\""}, {2, 8, 0, 6.5, "6.50\""},
       {2, 0, 0, kNaN, "nan"}, {2, 0, 0, 1e300, "1.000000e+300"}});
-}
-
-TEST(DnTos, feet_inches_and_fractions) {
+  // Feet, inches and fractions
   checkTexts(4, {{4, 0, 0, 30.5, "2'-6 1/2\""}, {4, 0, 1, 30.5, "2'6-1/2\""}, {4, 0, 0, 24, "2'"},
       {4, 1, 0, 24, "2'-0\""}, {4, 2, 0, 24, "2'"}, {4, 3, 0, 6, "6\""}, {4, 3, 0, 0, "0\""},
       {4, 0, 0, 0, "0\""}, {2, 0, 0, 0.125, "0 1/4\""}, {2, 0, 0, 6.9, "6 1/1\""},
       {4, 0, 0, -30.5, "-2'-6 1/2\""}, {2, 0, 0, 0.1, "0\""}, {100, 0, 0, 0.5, "0 1/2\""},
       {-3, 0, 0, 0.5, "0 1/1\""}, {2, 0, 0, -1e300, "-1.000000e+300"}});
-}
-
-TEST(DnTos, whole_units_and_fractions) {
+  // Whole units and fractions
   checkTexts(5, {{2, 0, 0, 0, "0\""}, {2, 0, 0, 2.25, "2 1/4"}, {2, 0, 1, 2.25, "2-1/4"},
       {2, 0, 0, -2.25, "-2 1/4"}, {2, 0, 0, -0.25, "1/4"}, {2, 0, 0, 3, "3"},
       {2, 0, 0, 1e19, "1.000000e+19"}});

@@ -31,27 +31,18 @@ void checkMatchTable(const char* kind, std::initializer_list<MatchCase> cases, i
 
 // One row per line would hide the tables.
 // clang-format off
-TEST(match, single_character_items) {
+TEST(match, every_item_kind) {
   checkMatchTable("single", {{"a?c", "ABC", 0}, {"#1", "21", 0}, {"#", "x", 1}, {"@", "1", 1},
       {"@@", "zQ", 0}, {".", "a", 1}, {".", "-", 0}, {"?", "", 1}, {"ab", "aB", 0},
       {"a~", "a~", 0}, {"a~", "a!", 1}, {"ab", "a", 1}, {"", "", 0}, {"", "a", 1},
       {"\xe9", "\xe9", 0}});
-}
-
-TEST(match, runs) {
   checkMatchTable("star", {{"A*", "abc", 0}, {"*c", "abc", 0}, {"*b", "abc", 1}, {"*", "", 0},
       {"*a*a*a*a*a*a*b", std::string(40, 'a'), 1}, {"*[abc", "xyz", 1}});
-}
-
-TEST(match, sets) {
   // The negated form tests '[' against the members after the first, through the ']'.
   checkMatchTable("set", {{"[a-c]x", "Bx", 1}, {"[abc]x", "Bx", 0}, {"[abc", "a", -1},
       {"[]]", "]", 0}, {"[a-]", "-", 0}, {"[c-a]", "b", 1}, {"[\xc0-\xff]", "\xe9", 0},
       {"[a]", "", 1}, {"[a,b]", "a", 0}, {"[~ab]", "z", 0}, {"[~ab]", "", 1}, {"[~]", "a", -1},
       {"[~aA-]]", "z", 1}, {"[~a", "a", -1}});
-}
-
-TEST(match, escapes_negation_limits_and_backslashes_in_the_name) {
   checkMatchTable("escape", {{"\\", "a", -1}, {"\\*", "*", 0}, {"\\*", "a", 1}, {"\\A", "a", 0},
       {"`x", "X", 0}, {"`\\x", "x", 0}, {"`", "x", -1}, {"`\\", "x", -1}, {"~a*", "bcd", 0},
       {"~a*", "abc", 1}, {"~[a", "abc", 0}, {"ab", "a\\b", 0, "ab"}, {"a", "\\\\", 1, "\\"}});
@@ -101,10 +92,12 @@ TEST(match, agrees_with_plain_recursion_on_random_short_inputs) {
 
 TEST(CString, finds_nothing_outside_the_text_and_clamps_slices) {
   CString s = " abca\t";
-  const int finds[] = {s.Find('a', 2),  s.Find('z'),   s.Find('a', -1), s.Find('a', 6),
-                       s.Find("ab", 2), s.Find("", 6), s.Find("", 7)};
-  const int expected[] = {4, -1, -1, -1, -1, 6, -1};
-  for (int k = 0; k < 7; ++k)
+  // A character search from the length finds nothing, not even the terminator; a text search
+  // from there finds the empty text.
+  const int finds[] = {s.Find('a', 2),  s.Find('z'),  s.Find('a', -1), s.Find('\0', 6),
+                       s.Find("ab", 2), s.Find("ab"), s.Find("", 6),   s.Find("", 7)};
+  const int expected[] = {4, -1, -1, -1, -1, 1, 6, -1};
+  for (int k = 0; k < 8; ++k)
     EXPECT_EQ(finds[k], expected[k]) << "find " << k;
   EXPECT_STREQ(s.Left(-3), "");
   EXPECT_STREQ(s.Left(99), s);

@@ -141,7 +141,6 @@ const AreaCase kAreas[] = {
     {"circle_out", kCircle, "-d 1 --side outside", kPi * 36.0},
     {"circle_in", kCircle, "-d 1 --side inside", kPi * 16.0},
     {"circle_left", kCircle, "-d 2 --side left", kPi * 9.0},
-    {"circle_d4", kCircle, "-d 4 --side inside", kPi},
     {"half_disc", "closed 2\n-5 0 0\n5 0 1\n", "-d 1 --side inside",
      16.0 * std::acos(0.25) - std::sqrt(15.0)},
     {"eight_right", kEight, "-d 1 --side right", lobeArea(-1.0)},
@@ -197,6 +196,7 @@ void makeInputs(const TempDir& dir) {
            {"two.txt", std::string(kCcw) + "open 3\n20 0 0\n30 0 0\n30 10 0\n"},
            {"bad_number.txt", "closed 3\n0 0 0\n10 0 0\n10 1O 0\n"}, {"out.dxf", "earlier\n"},
            {"short.txt", "closed 3\n0 0 0\n10 0 0\n"}, {"huge.txt", "open 2\n1e300 0 0\n0 0 0\n"},
+           {"one.txt", "open 1\n4 5 0\n"},
            {"junk.dxf", "this is not a drawing\n"}, {"only3d.dxf", dxfEntities(poly3d)},
            {"points.dxf", dxfEntities("  0\nPOINT\n  8\n0\n 10\n1\n 20\n2\n")},
            {"binary.dxf", std::string("AutoCAD Binary DXF\r\n\x1a\0\0\0", 24)},
@@ -299,6 +299,7 @@ const CommandCase kCommands[] = {
      "cannot be measured", "-d 1 --pick=-5,-5", 1},
     {"collapse", "circle.txt", "polyline 1 not offset: it collapses", "-d 8 --side inside", 1},
     {"open_inside", "two.txt", "polyline 2 not offset: it is open", "-d 1 --side inside", 1},
+    {"one_vertex", "one.txt", "polyline 1 not offset: it has fewer than two vertices", "", 1},
     {"sharp_fallback", "fallback.txt", "polyline 1: its offset cannot be made with sharp corners",
      "-d 3.496 --side inside", 0},
     {"3d_left", "mixed.dxf", "left out polyline (handle 3A, layer WALLS): a 3D polyline", "", 1},
@@ -363,6 +364,21 @@ TEST(Tool, svg_draws_arcs_with_y_pointing_up) {
   EXPECT_EQ(large + sweep, 0.0);
   EXPECT_DOUBLE_EQ(y1, y0);
   EXPECT_LT(y2, y0);
+}
+
+TEST(Tool, pick_distances_to_lines_and_arcs) {
+  // Rows: start (x, y, bulge), end, pick, distance. The line from (1, 1) to (5, 3): from its foot
+  // (3, 2), and past its end. The half circle from (1, 1) to (3, 3) about (2, 2), bowing right of
+  // travel: from outside through its middle (3, 1) and through its point at 30 degrees, and from
+  // (0, 3), whose nearest circle point lies off the arc, so the nearer end (1, 1) counts.
+  const double rows[][8] = {{1, 1, 0, 5, 3, 2, 4, std::sqrt(5.0)},
+                            {1, 1, 0, 5, 3, 7, 3, 2},
+                            {1, 1, 1, 3, 3, 4, 0, std::sqrt(2.0)},
+                            {1, 1, 1, 3, 3, 2 + 1.5 * std::sqrt(3.0), 3.5, 3 - std::sqrt(2.0)},
+                            {1, 1, 1, 3, 3, 0, 3, std::sqrt(5.0)}};
+  for (const auto& r : rows)
+    EXPECT_NEAR(distanceToSegment({r[0], r[1], r[2]}, {r[3], r[4], 0}, {r[5], r[6]}), r[7], 1e-12)
+        << r[5] << " " << r[6];
 }
 
 TEST(Tool, example_gasket_is_offset_whole_and_is_what_its_generator_writes) {
