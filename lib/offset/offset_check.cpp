@@ -35,6 +35,9 @@ using namespace tarnsysm::detail;
 
 namespace {
 
+// Result segments asked about together: one tree query serves the run.
+constexpr int kRunLength = 16;
+
 struct Point {
   double x, y;
 };
@@ -220,6 +223,156 @@ bool plainlyApart(const Piece& r, const Piece& s, double reach) {
   return near2 > out * out || (in > 0.0 && far2 < in * in);
 }
 
+// Where pieces lie about a centre c: every point of them is between lo and hi from c and, when
+// `cone`, within the angle alpha of the axis u (cosAlpha, sinAlpha).
+//
+// A run of result segments that follows a circle, as the offset of arcs about one centre does,
+// lies in a thin piece of ring about that centre (the centre of the run's first arc). The source
+// segments along the same circle, which a box around the run reaches in their hundreds where the
+// distance is large against the segments, are told apart from the whole run at once: arcs by
+// their distances from c, straight segments by the distance of their lines from the piece of
+// ring, and either, where that is not enough, by the angle between their own piece of ring and
+// the run's.
+struct Polar {
+  bool known;
+  Point c;
+  double lo, hi;
+  bool cone;
+  Point u;
+  double cosAlpha, sinAlpha;
+};
+
+// The cone holds every point given to it; a straight piece lies in the cone of its ends, an arc
+// (up to about a quarter circle) in the triangle of its ends and the meeting of its end
+// tangents, so those points are given.
+void widenCone(Polar& polar, Point p) {
+  const double dx = p.x - polar.c.x;
+  const double dy = p.y - polar.c.y;
+  const double cosine = (dx * polar.u.x + dy * polar.u.y) / length(dx, dy);
+  if (cosine < polar.cosAlpha)
+    polar.cosAlpha = cosine;
+  // Not a number (a point at the centre): no cone.
+  if (!(cosine == cosine))
+    polar.cosAlpha = -1.0;
+}
+
+// The pieces first .. last - 1 about c, the cone's axis towards `toward`.
+Polar polarOf(Point c, const Piece* first, const Piece* last, Point toward) {
+  Polar polar{true, c, std::numeric_limits<double>::infinity(), 0.0, false, {0.0, 0.0}, 1.0, 0.0};
+  const auto from = [&](Point p) { return length(p.x - c.x, p.y - c.y); };
+  const double axis = from(toward);
+  polar.u = {(toward.x - c.x) / axis, (toward.y - c.y) / axis};
+  for (const Piece* r = first; r != last; ++r) {
+    double lo, hi;
+    if (r->isArc) {
+      const double apart = from(r->c);
+      lo = r->r - apart;
+      hi = r->r + apart;
+      // Bulge 0.4 is a little under a quarter circle (tan(pi/8)); the end tangents meet
+      // b/(1 - b^2) chords off the chord's midpoint, on the arc's side.
+      const double b = r->bulge;
+      if (std::fabs(b) <= 0.4) {
+        const double k = b / (1.0 - b * b);
+        widenCone(polar, {(r->a.x + r->b.x) / 2.0 + k * (r->b.y - r->a.y),
+                          (r->a.y + r->b.y) / 2.0 - k * (r->b.x - r->a.x)});
+      } else {
+        polar.cosAlpha = -1.0;
+      }
+    } else {
+      hi = std::max(from(r->a), from(r->b));
+      const double dx = r->b.x - r->a.x;
+      const double dy = r->b.y - r->a.y;
+      const double t =
+          std::clamp(((c.x - r->a.x) * dx + (c.y - r->a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+      lo = from({r->a.x + t * dx, r->a.y + t * dy});
+    }
+    widenCone(polar, r->a);
+    widenCone(polar, r->b);
+    // Not a number (a segment of no length, overflowing coordinates): nothing is known.
+    if (!(lo <= hi)) {
+      polar.known = false;
+      return polar;
+    }
+    polar.lo = std::min(polar.lo, std::max(lo, 0.0));
+    polar.hi = std::max(polar.hi, hi);
+  }
+  // A cone of a right angle or more is no longer convex.
+  polar.cone = polar.cosAlpha > 1e-3;
+  polar.sinAlpha = std::sqrt(1.0 - polar.cosAlpha * polar.cosAlpha);
+  return polar;
+}
+
+Polar ringOf(const std::vector<Piece>& run) {
+  for (const Piece& r : run) {
+    if (r.isArc)
+      return polarOf(r.c, run.data(), run.data() + run.size(), run[run.size() / 2].a);
+  }
+  Polar none{};
+  return none;
+}
+
+// Relative to the lengths that enter a bound: far above its round-off (that of a cone's angle
+// is the largest, some 1e-14 of the radius for a thin cone), far below the eps in use.
+constexpr double kRoundOff = 1e-12;
+
+// The largest projection rho cos(angle) onto the unit vector (nx, ny) of a point of the cone:
+// its angle from (nx, ny) is at least beta, the angle of (nx, ny) from the axis less alpha.
+double largestProjection(const Polar& ring, double nx, double ny) {
+  const double cosTheta = nx * ring.u.x + ny * ring.u.y;
+  const double sinTheta = std::fabs(nx * ring.u.y - ny * ring.u.x);
+  const double cosBeta =
+      cosTheta >= ring.cosAlpha ? 1.0 : cosTheta * ring.cosAlpha + sinTheta * ring.sinAlpha;
+  return cosBeta >= 0.0 ? ring.hi * cosBeta : ring.lo * cosBeta;
+}
+
+// Whether two cones about one centre lie farther apart than reach: where their axes are farther
+// apart than their half angles together, by gamma, two points at rho1 and rho2 are at least
+// (rho1 - rho2)^2 + 2 rho1 rho2 (1 - cos gamma) apart, squared.
+bool conesApart(const Polar& p, const Polar& q, double reach) {
+  if (!p.cone || !q.cone)
+    return false;
+  const double cosTheta = p.u.x * q.u.x + p.u.y * q.u.y;
+  const double sinTheta = std::fabs(p.u.x * q.u.y - p.u.y * q.u.x);
+  const double cosSum = p.cosAlpha * q.cosAlpha - p.sinAlpha * q.sinAlpha;
+  const double sinSum = p.sinAlpha * q.cosAlpha + p.cosAlpha * q.sinAlpha;
+  if (!(cosTheta < cosSum))
+    return false;
+  const double cosGamma = cosTheta * cosSum + sinTheta * sinSum;
+  const double radial = std::max({0.0, p.lo - q.hi, q.lo - p.hi});
+  const double squared = radial * radial + 2.0 * p.lo * q.lo * (1.0 - cosGamma);
+  const double scale = p.hi + q.hi;
+  return squared - kRoundOff * scale * scale > reach * reach;
+}
+
+// Whether the source segment s lies farther than reach from every point of the run in `ring`.
+// The comparisons leave room for the round-off of the lengths involved, so a pair that is not
+// certainly apart is measured.
+bool ringApart(const Polar& ring, const Piece& s, double reach) {
+  if (!ring.known)
+    return false;
+  if (s.isArc) {
+    // Its points are between R - apart and R + apart from the ring's centre.
+    const double apart = length(s.c.x - ring.c.x, s.c.y - ring.c.y);
+    const double gap = std::max(s.r - apart - ring.hi, ring.lo - s.r - apart);
+    if (gap - kRoundOff * (ring.hi + s.r + apart) > reach)
+      return true;
+  } else if (ring.cone && (s.nx != 0.0 || s.ny != 0.0)) {
+    // Signed distances from the line: of the centre, and of the ring's points, within the
+    // centre's plus or minus the largest projections on the normal either way.
+    const double centre = s.nx * ring.c.x + s.ny * ring.c.y + s.off;
+    const double roundOff = kRoundOff * (std::fabs(s.nx * ring.c.x) + std::fabs(s.ny * ring.c.y) +
+                                         std::fabs(s.off) + ring.hi);
+    const double nearest = std::max(centre - largestProjection(ring, -s.nx, -s.ny),
+                                    -centre - largestProjection(ring, s.nx, s.ny));
+    if (nearest - roundOff > reach)
+      return true;
+  }
+  if (!ring.cone)
+    return false;
+  const Polar own = polarOf(ring.c, &s, &s + 1, {(s.a.x + s.b.x) / 2.0, (s.a.y + s.b.y) / 2.0});
+  return own.known && conesApart(ring, own, reach);
+}
+
 double pieceDistance(double eps, const Piece& a, const Piece& b) {
   if (boxGapSquared(a.box, b.box) == 0.0 && piecesMeet(eps, a, b))
     return 0.0;
@@ -241,11 +394,15 @@ double closedArea(double eps, int n, const double (*v)[5]) {
 }
 
 bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*source)[5],
-                         int closed, int n, const double (*v)[5], double distance) {
+                         double sourceArea, int closed, int n, const double (*v)[5],
+                         double distance) {
   if (ns < 2 || n < 2)
     return false;
-  if (sourceClosed && closed && closedArea(eps, ns, source) * closedArea(eps, n, v) < 0.0)
-    return false;
+  if (sourceClosed && closed) {
+    const double area = std::isnan(sourceArea) ? closedArea(eps, ns, source) : sourceArea;
+    if (area * closedArea(eps, n, v) < 0.0)
+      return false;
+  }
   const double d = std::fabs(distance);
   const int sourceSegments = sourceClosed ? ns : ns - 1;
   std::vector<Piece> pieces;
@@ -256,29 +413,48 @@ bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*so
   index.build(sourceSegments, [&](int s) { return pieces[static_cast<size_t>(s)].box; });
 
   // Every pair that may come nearer than d - eps is measured; pairs within d + eps only until
-  // one has shown that the result reaches d.
+  // one has shown that the result reaches d. Neighbouring result segments have nearly the same
+  // near source segments, so the tree is asked once for a run of them (the run's box), and each
+  // member then sifts that list by its own box.
   const double low = d - eps;
   double reach = d + eps;
   bool reached = false;
   const int segments = closed ? n : n - 1;
-  for (int k = 0; k < segments; ++k) {
-    const Piece r = pieceOf(eps, v[k], v[(k + 1) % n]);
-    const auto near = [&](const SegmentBox& box) {
-      return boxGapSquared(r.box, box) <= reach * reach;
-    };
-    const auto tooNear = [&](int s) {
-      const Piece& p = pieces[static_cast<size_t>(s)];
-      if (plainlyApart(r, p, reach))
-        return false;
-      const double gap = pieceDistance(eps, r, p);
-      if (!reached && gap <= d + eps) {
-        reached = true;
-        reach = low;
+  std::vector<Piece> run;
+  std::vector<int> near;
+  for (int first = 0; first < segments; first += kRunLength) {
+    const int last = std::min(segments, first + kRunLength);
+    run.clear();
+    SegmentBox runBox = SegmentBox::empty();
+    for (int k = first; k < last; ++k) {
+      run.push_back(pieceOf(eps, v[k], v[(k + 1) % n]));
+      const SegmentBox& b = run.back().box;
+      grow(runBox, b.xmin, b.ymin);
+      grow(runBox, b.xmax, b.ymax);
+    }
+    near.clear();
+    const Polar ring = ringOf(run);
+    index.visitWhere(
+        [&](const SegmentBox& box) { return boxGapSquared(runBox, box) <= reach * reach; },
+        [&](int s) {
+          if (!ringApart(ring, pieces[static_cast<size_t>(s)], reach))
+            near.push_back(s);
+          return false;
+        });
+    for (const Piece& r : run) {
+      for (const int s : near) {
+        const Piece& p = pieces[static_cast<size_t>(s)];
+        if (!(boxGapSquared(r.box, p.box) <= reach * reach) || plainlyApart(r, p, reach))
+          continue;
+        const double gap = pieceDistance(eps, r, p);
+        if (!(gap >= low))
+          return false;
+        if (!reached && gap <= d + eps) {
+          reached = true;
+          reach = low;
+        }
       }
-      return !(gap >= low);
-    };
-    if (index.visitWhere(near, tooNear))
-      return false;
+    }
   }
   return reached;
 }
