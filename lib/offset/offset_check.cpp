@@ -6,8 +6,14 @@
 // joins that reach across the region) the pieces trimming keeps can be something other than an
 // offset. Rather than trust every stage, the result is measured against its source once more,
 // lines and arcs as they are, nothing sampled. A box tree over the source segments gives, for
-// each result segment, only the source segments whose boxes come within d + eps of its own box
-// (Euclidean gaps between boxes, which never exceed the gaps between what they hold).
+// each run of consecutive result segments, only the source segments whose boxes come within
+// d + eps of the run's box (Euclidean gaps between boxes, which never exceed the gaps between
+// what they hold); each member of the run sifts that list by its own box. Where the distance is
+// large against the segments of a curved outline, those lists are long (on a circle of 10,000
+// rows offset inwards by half its radius, some 140 source segments per result segment), and
+// most of them are ruled out by bounds taken about the centre of the run's circle (see Polar)
+// before anything is measured. Every bound is a true lower bound with room for round-off, and
+// every pair that no bound rules out is measured exactly.
 //
 // The distance between two segments that do not meet is reached at an end of one of them, or
 // where the connection is normal to both: for an arc, at its points facing the other arc's
@@ -224,7 +230,7 @@ bool plainlyApart(const Piece& r, const Piece& s, double reach) {
 }
 
 // Where pieces lie about a centre c: every point of them is between lo and hi from c and, when
-// `cone`, within the angle alpha of the axis u (cosAlpha, sinAlpha).
+// `cone`, within the angle alpha of the axis u (cosAlpha no more, sinAlpha no less than its own).
 //
 // A run of result segments that follows a circle, as the offset of arcs about one centre does,
 // lies in a thin piece of ring about that centre (the centre of the run's first arc). The source
@@ -244,15 +250,19 @@ struct Polar {
 
 // The cone holds every point given to it; a straight piece lies in the cone of its ends, an arc
 // (up to about a quarter circle) in the triangle of its ends and the meeting of its end
-// tangents, so those points are given.
+// tangents, so those points are given. The cosine and the sine of alpha are kept apart, the
+// least cosine and the largest sine of the points' angles: a sine worked out from a cosine near
+// 1 would lose half its digits, and the angle with them.
 void widenCone(Polar& polar, Point p) {
   const double dx = p.x - polar.c.x;
   const double dy = p.y - polar.c.y;
-  const double cosine = (dx * polar.u.x + dy * polar.u.y) / length(dx, dy);
-  if (cosine < polar.cosAlpha)
-    polar.cosAlpha = cosine;
+  const double len = length(dx, dy);
+  const double cosine = (dx * polar.u.x + dy * polar.u.y) / len;
+  const double sine = std::fabs(dx * polar.u.y - dy * polar.u.x) / len;
+  polar.cosAlpha = std::min(polar.cosAlpha, cosine);
+  polar.sinAlpha = std::max(polar.sinAlpha, sine);
   // Not a number (a point at the centre): no cone.
-  if (!(cosine == cosine))
+  if (!(cosine == cosine) || !(sine == sine))
     polar.cosAlpha = -1.0;
 }
 
@@ -298,18 +308,56 @@ Polar polarOf(Point c, const Piece* first, const Piece* last, Point toward) {
   }
   // A cone of a right angle or more is no longer convex.
   polar.cone = polar.cosAlpha > 1e-3;
-  polar.sinAlpha = std::sqrt(1.0 - polar.cosAlpha * polar.cosAlpha);
   return polar;
 }
 
-Polar ringOf(const std::vector<Piece>& run) {
-  for (const Piece& r : run) {
-    if (r.isArc)
-      return polarOf(r.c, run.data(), run.data() + run.size(), run[run.size() / 2].a);
-  }
-  Polar none{};
-  return none;
+// One piece about c, the cone's axis towards the middle of its chord.
+Polar polarOf(Point c, const Piece& piece) {
+  return polarOf(c, &piece, &piece + 1,
+                 {(piece.a.x + piece.b.x) / 2.0, (piece.a.y + piece.b.y) / 2.0});
 }
+
+// The source pieces about the centre of the current ring, each worked out once: runs along one
+// circle keep one centre (a run whose first arc's centre lies within 1e-9 of its radius of the
+// last centre takes that centre; any centre gives true bounds), so a source piece beside many
+// runs is not worked out for each.
+class SourcePolars {
+ public:
+  SourcePolars(const std::vector<Piece>& pieces)
+      : pieces_(pieces), polar_(pieces.size()), generation_(pieces.size(), -1) {}
+
+  // The ring of the run about its first arc's centre, or the last centre near it.
+  Polar ringOf(const std::vector<Piece>& run) {
+    for (const Piece& r : run) {
+      if (!r.isArc)
+        continue;
+      if (!(length(r.c.x - centre_.x, r.c.y - centre_.y) <= 1e-9 * r.r)) {
+        centre_ = r.c;
+        ++current_;
+      }
+      return polarOf(centre_, run.data(), run.data() + run.size(), run[run.size() / 2].a);
+    }
+    Polar none{};
+    return none;
+  }
+
+  // Source piece s about the current centre.
+  const Polar& of(int s) {
+    const size_t k = static_cast<size_t>(s);
+    if (generation_[k] != current_) {
+      polar_[k] = polarOf(centre_, pieces_[k]);
+      generation_[k] = current_;
+    }
+    return polar_[k];
+  }
+
+ private:
+  const std::vector<Piece>& pieces_;
+  std::vector<Polar> polar_;
+  std::vector<int> generation_;
+  Point centre_{std::numeric_limits<double>::quiet_NaN(), 0.0};
+  int current_ = 0;
+};
 
 // Relative to the lengths that enter a bound: far above its round-off (that of a cone's angle
 // is the largest, some 1e-14 of the radius for a thin cone), far below the eps in use.
@@ -347,7 +395,7 @@ bool conesApart(const Polar& p, const Polar& q, double reach) {
 // Whether the source segment s lies farther than reach from every point of the run in `ring`.
 // The comparisons leave room for the round-off of the lengths involved, so a pair that is not
 // certainly apart is measured.
-bool ringApart(const Polar& ring, const Piece& s, double reach) {
+bool ringApart(const Polar& ring, SourcePolars& polars, int id, const Piece& s, double reach) {
   if (!ring.known)
     return false;
   if (s.isArc) {
@@ -369,7 +417,7 @@ bool ringApart(const Polar& ring, const Piece& s, double reach) {
   }
   if (!ring.cone)
     return false;
-  const Polar own = polarOf(ring.c, &s, &s + 1, {(s.a.x + s.b.x) / 2.0, (s.a.y + s.b.y) / 2.0});
+  const Polar& own = polars.of(id);
   return own.known && conesApart(ring, own, reach);
 }
 
@@ -422,6 +470,7 @@ bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*so
   const int segments = closed ? n : n - 1;
   std::vector<Piece> run;
   std::vector<int> near;
+  SourcePolars polars(pieces);
   for (int first = 0; first < segments; first += kRunLength) {
     const int last = std::min(segments, first + kRunLength);
     run.clear();
@@ -433,19 +482,28 @@ bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*so
       grow(runBox, b.xmax, b.ymax);
     }
     near.clear();
-    const Polar ring = ringOf(run);
+    const Polar ring = polars.ringOf(run);
     index.visitWhere(
         [&](const SegmentBox& box) { return boxGapSquared(runBox, box) <= reach * reach; },
         [&](int s) {
-          if (!ringApart(ring, pieces[static_cast<size_t>(s)], reach))
+          if (!ringApart(ring, polars, s, pieces[static_cast<size_t>(s)], reach))
             near.push_back(s);
           return false;
         });
+    // Along a circle, each member is its own piece of ring too: what the run's ring could not
+    // rule out (the source segments beside the run's own) it may.
     for (const Piece& r : run) {
-      for (const int s : near) {
-        const Piece& p = pieces[static_cast<size_t>(s)];
+      Polar own{};
+      for (size_t i = 0; i < near.size(); ++i) {
+        const Piece& p = pieces[static_cast<size_t>(near[i])];
         if (!(boxGapSquared(r.box, p.box) <= reach * reach) || plainlyApart(r, p, reach))
           continue;
+        if (ring.cone) {
+          if (!own.known)
+            own = polarOf(ring.c, r);
+          if (conesApart(own, polars.of(near[i]), reach))
+            continue;
+        }
         const double gap = pieceDistance(eps, r, p);
         if (!(gap >= low))
           return false;
