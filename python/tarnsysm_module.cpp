@@ -1,5 +1,7 @@
 // Tarnsysm for Python: polylines as numpy arrays, points as (x, y) tuples, failures as ValueError.
 // Everything goes through the exported C++ interface of the shared library.
+#include "bindings.h"
+
 #include <Tarnsysm.h>
 
 #include <pybind11/numpy.h>
@@ -15,16 +17,12 @@
 #include <utility>
 #include <vector>
 
-namespace py = pybind11;
+using namespace tarnsysm_python;
 using namespace py::literals;
 
 namespace {
 
-using Point = std::array<double, 2>;
-using Points = std::vector<Point>;
 using Rows = py::array_t<double, py::array::c_style | py::array::forcecast>;
-constexpr double kDefaultEps = 1e-9;
-constexpr double kPi = 3.14159265358979323846;
 
 // A polyline in the library's row layout, with the width (3 or 5) the caller gave it in.
 struct Polyline {
@@ -50,25 +48,14 @@ Polyline toPolyline(Rows const& a) {
   return p;
 }
 
-py::array_t<double> toArray(Polyline const& p, int n) {
+// Rows first .. first + n - 1 as an array of the caller's width.
+py::array_t<double> toArray(Polyline const& p, int n, int first = 0) {
   py::array_t<double> out({static_cast<py::ssize_t>(n), p.width});
   auto w = out.mutable_unchecked<2>();
   for (int i = 0; i < n; ++i)
     for (py::ssize_t j = 0; j < p.width; ++j)
-      w(i, j) = p.rows[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)];
+      w(i, j) = p.rows[static_cast<std::size_t>(first + i)][static_cast<std::size_t>(j)];
   return out;
-}
-
-// Points go out as (x, y) tuples, several of them as a tuple of those.
-py::tuple tup(Point p) {
-  return py::make_tuple(p[0], p[1]);
-}
-
-py::tuple tuples(Points const& ps) {
-  py::tuple t(ps.size());
-  for (std::size_t i = 0; i < ps.size(); ++i)
-    t[i] = tup(ps[i]);
-  return t;
 }
 
 // The first `count` of up to two points an intersection wrote, optionally only those whose
@@ -114,6 +101,17 @@ Point sidePick(Polyline const& p, std::string const& side, double d) {
   return {(r0[0] + r1[0]) / 2.0 + off * nx, (r0[1] + r1[1]) / 2.0 + off * ny};
 }
 
+// Why an offset through or towards the picked point has no result: the point itself, else
+// what the caller's offset says happened to the polyline.
+[[noreturn]] void noOffset(Polyline& p, bool closed, Point at, double eps, char const* otherwise) {
+  const auto d = signedDistance(p, closed, at, eps);
+  if (!d)
+    throw py::value_error("the distance of the picked point from the polyline cannot be measured");
+  if (*d > -eps && *d < eps)
+    throw py::value_error("the picked point lies on the polyline");
+  throw py::value_error(otherwise);
+}
+
 py::object offset(Rows const& rows, double distance, bool closed, std::optional<Point> pick,
                   std::optional<std::string> side, bool through, double eps, bool with_closed) {
   Polyline p = toPolyline(rows);
@@ -134,19 +132,71 @@ py::object offset(Rows const& rows, double distance, bool closed, std::optional<
   int flag = closed ? 1 : 0;
   Point target = at;
   const int m = PLineOffset(eps, &flag, n, work.data(), through ? 1 : 0, target.data(), distance);
-  if (m == 0) {
-    const auto d = signedDistance(p, closed, at, eps);
-    if (!d)
-      throw py::value_error(
-          "the distance of the picked point from the polyline cannot be measured");
-    if (*d > -eps && *d < eps)
-      throw py::value_error("the picked point lies on the polyline");
-    throw py::value_error("not a valid offset: the polyline collapses at this distance");
-  }
+  if (m == 0)
+    noOffset(p, closed, at, eps, "not a valid offset: the polyline collapses at this distance");
   auto out = toArray(work, m);
   if (with_closed)
     return py::make_tuple(out, flag != 0);
   return std::move(out);
+}
+
+py::list offsetRound(Rows const& rows, double distance, bool closed, std::optional<Point> pick,
+                     bool through, double eps, bool with_closed) {
+  Polyline p = toPolyline(rows);
+  const int n = p.count();
+  require(!through || pick, "through needs a pick");
+  for (auto const& r : p.rows)
+    require(std::isfinite(r[0]) && std::isfinite(r[1]) && std::isfinite(r[2]),
+            "a row is not finite");
+  require(through || std::isfinite(distance), "the distance is not finite");
+  require(through || !(distance > -eps && distance < eps), "the distance is within eps of 0");
+  constexpr char const* kEmpty =
+      "the offset is empty: the polyline collapses at this distance or its rows are one point";
+  const int c = closed ? 1 : 0;
+  Point at = pick ? *pick : Point{};
+  std::vector<int> starts, shut;
+  int loops = 0;
+  auto run = [&](Polyline& out) {
+    int* start = starts.empty() ? nullptr : starts.data();
+    int* flags = shut.empty() ? nullptr : shut.data();
+    if (pick) {
+      shut.resize(1);
+      return PLineOffsetRoundPick(eps, c, n, p.data(), through ? 1 : 0, at.data(), distance,
+                                  out.data(), out.count(), shut.data());
+    }
+    return PLineOffsetRound(eps, c, n, p.data(), distance, out.data(), out.count(), start, flags,
+                            static_cast<int>(starts.size()), &loops);
+  };
+  // The first call asks for the room, the second fills it.
+  Polyline out;
+  out.width = p.width;
+  int m = run(out);
+  if (m < 0) {
+    out.rows.resize(static_cast<std::size_t>(-m));
+    starts.resize(static_cast<std::size_t>(loops));
+    shut.resize(static_cast<std::size_t>(loops));
+    m = run(out);
+  }
+  if (m <= 0) {
+    if (pick)
+      noOffset(p, closed, at, eps, kEmpty);
+    throw py::value_error(kEmpty);
+  }
+  if (pick) {
+    starts.assign(1, 0);
+    loops = 1;
+  }
+  py::list result;
+  for (int k = 0; k < loops; ++k) {
+    const int first = starts[static_cast<std::size_t>(k)];
+    const int last = k + 1 < loops ? starts[static_cast<std::size_t>(k) + 1] : m;
+    auto a = toArray(out, last - first, first);
+    if (with_closed)
+      result.append(py::make_tuple(a, shut[static_cast<std::size_t>(k)] != 0));
+    else
+      result.append(a);
+  }
+  return result;
 }
 
 py::tuple trimLoops(Rows const& rows, bool closed, Point pick, double eps) {
@@ -243,6 +293,53 @@ void defineEllipse(py::module_& m) {
           "p1"_a, "p2"_a, py::kw_only(), "whole"_a = false,
           "Points where the segment p1-p2 meets the arc; with whole=True, where the infinite "
           "line meets the whole ellipse (of two, the one farther along p1 -> p2 first).")
+      .def_static(
+          "between",
+          [](Point centre, double a, double b, Point p1, Point p2, double rotation, double eps) {
+            TSellipse e{};
+            require(CalEllipseArc(eps, centre.data(), a, b, rotation, p1.data(), p2.data(), &e),
+                    "a or b is below eps, or a point lies within eps of the centre");
+            return e;
+          },
+          "centre"_a, "a"_a, "b"_a, "p1"_a, "p2"_a, py::kw_only(), "rotation"_a = 0.0,
+          "eps"_a = kDefaultEps,
+          "The arc of the ellipse running counter-clockwise from its point on the ray from the "
+          "centre through p1 to the one through p2: start in [0, 2 pi), end in (start, start + 2 "
+          "pi]; rays whose parameters agree within eps give the whole ellipse. Raises ValueError "
+          "when a or b is below eps or p1 or p2 lies within eps of the centre.")
+      .def_static(
+          "through",
+          [](Point p1, Point p2, Point p3, double ratio, double rotation, double eps) {
+            TSellipse e{};
+            const int r = CalEllipseArc(eps, ratio, rotation, p1.data(), p2.data(), p3.data(), &e);
+            require(r != 0, "the ratio is below eps, or the points coincide or are collinear");
+            return py::make_tuple(e, r == 2);
+          },
+          "p1"_a, "p2"_a, "p3"_a, py::kw_only(), "ratio"_a, "rotation"_a = 0.0,
+          "eps"_a = kDefaultEps,
+          "(ellipse, clockwise): the arc from p1 through p2 to p3 of an ellipse with b = ratio a "
+          "whose first axis lies at `rotation`. When it runs clockwise from p1, clockwise is True "
+          "and start belongs to p3. Raises ValueError when the ratio is below eps or the points "
+          "coincide or are collinear.")
+      .def(
+          "stretch",
+          [](TSellipse const& e, Point grip, Point to, double eps) {
+            static char const* const kGrips[] = {"centre", "start", "end", "first axis",
+                                                 "second axis"};
+            TSellipse out{};
+            const int code = CalStretchEllipseArc(eps, e, grip.data(), to.data(), &out);
+            require(code >= 1 && code <= 5,
+                    "no grip lies within eps of the point, or the edit would leave a degenerate "
+                    "arc");
+            return py::make_tuple(out, kGrips[code - 1]);
+          },
+          "grip"_a, "to"_a, py::kw_only(), "eps"_a = kDefaultEps,
+          "(ellipse, grip): the arc edited by dragging the grip to `to`. The grip is the first "
+          "within eps of the point of: 'centre' (moved to `to`), 'start' and 'end' (not on a "
+          "whole ellipse; set to the parameter of the ray from the centre through `to`, keeping "
+          "end > start), 'first axis' and 'second axis' (the end of an axis: a = |x|, b = |y| of "
+          "`to` in the ellipse frame). Raises ValueError when no grip is hit or the result would "
+          "be degenerate (`to` within eps of the centre for an end, a semi-axis below eps).")
       .def("__repr__", [](TSellipse const& e) {
         return "Ellipse((" + std::to_string(e.center[0]) + ", " + std::to_string(e.center[1]) +
                "), a=" + std::to_string(e.a) + ", b=" + std::to_string(e.b) +
@@ -314,6 +411,23 @@ PYBIND11_MODULE(tarnsysm, m) {
         "result of two straight rows comes back open. Raises ValueError with the reason when "
         "there is no offset: the picked point lies on the polyline, its distance cannot be "
         "measured, the distance is not finite, or the polyline collapses.");
+
+  m.def("offset_round", &offsetRound, "rows"_a, "distance"_a, py::kw_only(), "closed"_a,
+        "pick"_a = py::none(), "through"_a = false, "eps"_a = kDefaultEps,
+        "return_closed"_a = false,
+        "The exact offset at the signed distance (positive right of travel): the boundary of the "
+        "points at |distance| from the polyline on that side, lines kept straight, arcs "
+        "concentric, and a round corner of radius |distance| about a vertex wherever moved "
+        "neighbours pull apart. Returns a list of arrays of the input's width, one for every "
+        "loop, ordered by where they start along the input; a closed input gives closed loops "
+        "running its way round, an open one open pieces in the direction of travel (and closed "
+        "loops where the offset closes on itself). With return_closed=True the items are "
+        "(array, closed). With a pick, only the loop nearest it, the side taken from the pick "
+        "(through=True: passing through it, the distance ignored). Rows starting a piece of a "
+        "moved segment keep its start row's attributes, rows starting a round corner or a cut "
+        "take -1 as the first. Raises ValueError with the reason when there is no offset: a row "
+        "or the distance is not finite, the distance is within eps of 0, the picked point lies on "
+        "the polyline or its distance cannot be measured, or the offset is empty.");
 
   m.def(
       "area",
@@ -479,35 +593,23 @@ PYBIND11_MODULE(tarnsysm, m) {
       "non-finite ones, or points within eps of a line.");
 
   m.def(
-      "common_tangents",
-      [](Point c1, double r1, Point c2, double r2, double eps) {
-        double pts[8][2];
-        int count = 0;
-        const int lines = DTangLof2Cir(eps, c1[0], c1[1], r1, c2[0], c2[1], r2, pts, &count);
-        py::tuple t(static_cast<std::size_t>(lines));
-        for (int i = 0; i < lines; ++i)
-          t[static_cast<std::size_t>(i)] = py::make_tuple(
-              tup({pts[2 * i][0], pts[2 * i][1]}), tup({pts[2 * i + 1][0], pts[2 * i + 1][1]}));
-        return t;
-      },
-      "centre1"_a, "radius1"_a, "centre2"_a, "radius2"_a, py::kw_only(), "eps"_a = kDefaultEps,
-      "The common tangents of two circles as (point on circle 1, point on circle 2) pairs: the "
-      "two outer ones, then for circles apart by more than eps the two inner ones. Empty when "
-      "one circle lies within the other.");
-
-  m.def(
       "tangent_points",
-      [](Point c, double r, Point p, double eps) {
+      [](Point c, double r, Point p, std::optional<std::array<double, 2>> arc, double eps) {
         Point a{}, b{};
-        return points(DLthrPtangC(eps, c[0], c[1], r, p[0], p[1], &a[0], &a[1], &b[0], &b[1]), a,
-                      b);
+        return points(arc ? DLthrPtangArc(eps, c[0], c[1], r, (*arc)[0], (*arc)[1], p[0], p[1],
+                                          &a[0], &a[1], &b[0], &b[1])
+                          : DLthrPtangC(eps, c[0], c[1], r, p[0], p[1], &a[0], &a[1], &b[0], &b[1]),
+                      a, b);
       },
-      "centre"_a, "radius"_a, "point"_a, py::kw_only(), "eps"_a = kDefaultEps,
+      "centre"_a, "radius"_a, "point"_a, py::kw_only(), "arc"_a = py::none(), "eps"_a = kDefaultEps,
       "Where the tangents from the point touch the circle, the one right of the way from the "
       "point to the centre first; for a point on the circle (within eps), a second point of its "
-      "tangent there; empty for a point inside.");
+      "tangent there; empty for a point inside. With arc=(start, end) only points on the arc "
+      "swept counter-clockwise from start to end are kept (for a point on the circle, the "
+      "second point is tested).");
 
   defineEllipse(m);
+  defineConstructions(m);
 
   m.def("clip_polygon", &clipPolygon, "points"_a, "rect"_a,
         "The polygon (n, 2) clipped to the rectangle ((x0, y0), (x1, y1)), lower left first; a "

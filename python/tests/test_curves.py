@@ -107,3 +107,35 @@ def test_circles_and_tangents():
         assert math.dist(p, (0, 0)) == pytest.approx(1) and math.dist(q, (4, 0)) == pytest.approx(1)
     # From (2, 0) to the unit circle: tangency points at 60 degrees, right of the way first.
     close(tarnsysm.tangent_points((0, 0), 1, (2, 0)), [(0.5, H), (0.5, -H)])
+
+
+def test_ellipse_arcs_from_points():
+    quarter = tarnsysm.Ellipse.between((0, 0), 2, 1, (5, 0), (0, 3))
+    close([quarter.start, quarter.end], [0, math.pi / 2])
+    for pts, clockwise in ((((2, 0), (0, 1), (-2, 0)), False), (((-2, 0), (0, 1), (2, 0)), True)):
+        e, cw = tarnsysm.Ellipse.through(*pts, ratio=0.5)
+        close([e.centre, e.a, e.b, e.start, e.end], [(0, 0), 2, 1, 0, math.pi])
+        assert cw is clockwise
+    with pytest.raises(ValueError):
+        tarnsysm.Ellipse.between((0, 0), 2, 1, (0, 0), (0, 3))
+
+
+@pytest.mark.parametrize(
+    "name, grip, to, grip_name, expected",
+    [
+        ("centre", (0, 0), (1, 1), "centre", [(1, 1), 2, 1, 0, math.pi / 2]),
+        # The start point (2, 0) is also the end of the first axis: the start comes first. The
+        # ray at 45 degrees meets the 2:1 ellipse at the parameter atan(2).
+        ("start", (2, 0), (1, 1), "start", [(0, 0), 2, 1, math.atan(2), math.pi / 2]),
+        ("second axis", (0, -1), (4, -3), "second axis", [(0, 0), 2, 3, 0, math.pi / 2]),
+    ],
+)
+def test_ellipse_stretch(name, grip, to, grip_name, expected):
+    e, hit = tarnsysm.Ellipse((0, 0), 2, 1, end=math.pi / 2).stretch(grip, to)
+    assert hit == grip_name
+    close([e.centre, e.a, e.b, e.start, e.end], expected)
+
+
+def test_ellipse_stretch_misses():
+    with pytest.raises(ValueError, match="no grip"):
+        tarnsysm.Ellipse((0, 0), 2, 1).stretch((5, 5), (6, 6))

@@ -100,3 +100,66 @@ def test_trim_loops_cuts_the_crossing():
     assert not closed
     loop, closed = tarnsysm.trim_loops(rows, closed=False, pick=(9, 4))
     assert closed and len(loop) == 3
+
+
+Q = math.sqrt(2) - 1  # the bulge of a quarter circle
+CORNER = -Q  # a round corner of a clockwise outward offset turns right
+
+
+@pytest.mark.parametrize(
+    "name, rows, distance, kw, expected",
+    [
+        ("inside, sharp corners", SQUARE, 1, {}, [square(1, 9)]),
+        # Outside, each corner becomes a quarter circle about its vertex; attributes: moved
+        # segments keep their start row's, corners take -1 and the vertex row's second one.
+        ("outside, round corners", np.array([[0, 0, 0, 7, 70], [0, 10, 0, 8, 80], [10, 10, 0, 9, 90], [10, 0, 0, 6, 60]]),
+         -1, {},
+         [[[-1, 0, 0, 7, 70], [-1, 10, CORNER, -1, 80], [0, 11, 0, 8, 80], [10, 11, CORNER, -1, 90],
+           [11, 10, 0, 9, 90], [11, 0, CORNER, -1, 60], [10, -1, 0, 6, 60], [0, -1, CORNER, -1, 70]]]),
+        ("through a picked point", SQUARE, 0, dict(pick=(5, 12), through=True),
+         [[[-2, 0, 0], [-2, 10, CORNER], [0, 12, 0], [10, 12, CORNER], [12, 10, 0], [12, 0, CORNER], [10, -2, 0],
+           [0, -2, CORNER]]]),
+        ("open segment", np.array([[0, 0, 0], [10, 0, 0]], float), 1, {}, [[[0, -1, 0], [10, -1, 0]]]),
+    ],
+)
+def test_offset_round(name, rows, distance, kw, expected):
+    got = tarnsysm.offset_round(rows, distance, closed=len(rows) > 2, **kw)
+    assert len(got) == len(expected), name
+    for g, e in zip(got, expected):
+        np.testing.assert_allclose(g, e, atol=1e-9, err_msg=name)
+
+
+def segment_distance(p, a, b):
+    ab, ap = b - a, p - a
+    t = min(max(np.dot(ap, ab) / np.dot(ab, ab), 0), 1)
+    return np.linalg.norm(ap - t * ab)
+
+
+def test_offset_round_splits_a_dumbbell():
+    # Two 10 x 10 squares joined by a neck 2 wide, run clockwise: 1.5 inside cuts the neck, and
+    # each half keeps a cusp where the arcs about the neck's corners meet, sqrt(1.25) short of it.
+    pts = np.array([(0, 0), (0, 10), (10, 10), (10, 6), (20, 6), (20, 10), (30, 10), (30, 0), (20, 0), (20, 4), (10, 4),
+                    (10, 0)], float)
+    loops = tarnsysm.offset_round(np.hstack([pts, np.zeros((12, 1))]), 1.5, closed=True, return_closed=True)
+    ranges = sorted((a[:, 0].min(), a[:, 0].max()) for a, _ in loops)
+    np.testing.assert_allclose(ranges, [(1.5, 10 - math.sqrt(1.25)), (20 + math.sqrt(1.25), 28.5)])
+    for loop, closed in loops:
+        assert closed
+        for p in loop[:, :2]:
+            near = min(segment_distance(p, pts[i], pts[(i + 1) % 12]) for i in range(12))
+            assert near == pytest.approx(1.5), p
+
+
+@pytest.mark.parametrize(
+    "name, distance, kw, reason",
+    [
+        ("collapse", 6, {}, "collapses"),
+        ("zero distance", 0, {}, "within eps of 0"),
+        ("not finite", math.nan, {}, "not finite"),
+        ("pick on the polyline", 1, dict(pick=(0, 5)), "lies on the polyline"),
+        ("through without a pick", 1, dict(through=True), "needs a pick"),
+    ],
+)
+def test_offset_round_reasons(name, distance, kw, reason):
+    with pytest.raises(ValueError, match=reason):
+        tarnsysm.offset_round(SQUARE, distance, closed=True, **kw)
