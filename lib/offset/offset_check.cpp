@@ -44,6 +44,10 @@ namespace {
 // Result segments asked about together: one tree query serves the run.
 constexpr int kRunLength = 16;
 
+// Relative to the lengths that enter a bound: far above its round-off (that of a cone's angle
+// is the largest, some 1e-14 of the radius for a thin cone), far below the eps in use.
+constexpr double kRoundOff = 1e-12;
+
 struct Point {
   double x, y;
 };
@@ -58,11 +62,24 @@ struct Piece {
   double r;
   SegmentBox box;
   double nx, ny, off;  // the chord's line: signed distance nx x + ny y + off
+  Point m;             // an arc's chord midpoint; its centre is m + k (-dy, dx)
+  double k, chord2;    // chord2: the squared chord
 
   // Whether p, a point of the arc's circle, lies on the arc: on its side of the chord.
   bool holds(Point p) const {
     const double side = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
     return bulge > 0.0 ? side <= 0.0 : side >= 0.0;
+  }
+
+  // rho - r for a point q at rho from the centre, worked out from the chord: an arc of a bulge
+  // just above eps has a centre and a radius far beyond the drawing, and rho - r taken from
+  // them directly keeps none of the digits that matter. With w = q - m and the chord (dx, dy),
+  // rho^2 - r^2 = |w|^2 - chord^2/4 - 2k (dx w.y - dy w.x), as r^2 = k^2 chord^2 + chord^2/4.
+  double circleGap(Point q, double rho) const {
+    const double wx = q.x - m.x;
+    const double wy = q.y - m.y;
+    const double cross = (b.x - a.x) * wy - (b.y - a.y) * wx;
+    return (wx * wx + wy * wy - chord2 / 4.0 - 2.0 * k * cross) / (rho + r);
   }
 };
 
@@ -91,9 +108,19 @@ Piece pieceOf(double eps, const double* from, const double* to) {
   p.isArc = !isStraightBulge(p.bulge, eps) && chord >= eps;
   if (!p.isArc)
     return p;
-  const double k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);
-  p.c = {(p.a.x + p.b.x) / 2.0 - k * dy, (p.a.y + p.b.y) / 2.0 + k * dx};
+  p.k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);
+  p.m = {(p.a.x + p.b.x) / 2.0, (p.a.y + p.b.y) / 2.0};
+  p.chord2 = dx * dx + dy * dy;
+  p.c = {p.m.x - p.k * dy, p.m.y + p.k * dx};
   p.r = chord * (1.0 + p.bulge * p.bulge) / (4.0 * std::fabs(p.bulge));
+  if (std::fabs(p.bulge) <= 0.4) {
+    // Up to about a quarter circle the arc lies in the triangle of its ends and the meeting
+    // of its end tangents, b/(1 - b^2) chords off the midpoint on the arc's side: worked out
+    // from the chord, which a nearly straight arc's far centre would not give to the digit.
+    const double t = p.bulge / (1.0 - p.bulge * p.bulge);
+    grow(p.box, p.m.x + t * dy, p.m.y - t * dx);
+    return p;
+  }
   // The box takes the circle's points due east, north, west and south that lie on the arc.
   const Point extremes[4] = {
       {p.c.x + p.r, p.c.y}, {p.c.x, p.c.y + p.r}, {p.c.x - p.r, p.c.y}, {p.c.x, p.c.y - p.r}};
@@ -117,8 +144,13 @@ double pointDistance(const Piece& s, Point q) {
     const double rho = length(q.x - s.c.x, q.y - s.c.y);
     if (rho == 0.0)
       return s.r;
-    const Point onCircle{s.c.x + (q.x - s.c.x) * s.r / rho, s.c.y + (q.y - s.c.y) * s.r / rho};
-    return s.holds(onCircle) ? std::fabs(rho - s.r) : nearerEnd();
+    // The point of the circle facing q lies on the arc's side of the chord when
+    // k chord^2 (rho - r) + r (dx w.y - dy w.x) does (its side, times rho).
+    const double gap = s.circleGap(q, rho);
+    const double cross = (s.b.x - s.a.x) * (q.y - s.m.y) - (s.b.y - s.a.y) * (q.x - s.m.x);
+    const double side = s.k * s.chord2 * gap + s.r * cross;
+    const bool onArc = s.bulge > 0.0 ? side <= 0.0 : side >= 0.0;
+    return onArc ? std::fabs(gap) : nearerEnd();
   }
   // The line's own distance where the foot lies within it.
   const double dx = s.b.x - s.a.x;
@@ -140,7 +172,12 @@ double nearestFrom(const Piece& a, const Piece& b) {
     if (!(len > 0.0))
       return best;
     for (const double sign : {1.0, -1.0}) {
-      const Point q{a.c.x + sign * a.r * dx / len, a.c.y + sign * a.r * dy / len};
+      Point q{a.c.x + sign * a.r * dx / len, a.c.y + sign * a.r * dy / len};
+      // Taken from a far centre the point may lie off the circle by that centre's round-off:
+      // it is put back on it along its radius.
+      const double rho = length(q.x - a.c.x, q.y - a.c.y);
+      const double off = a.circleGap(q, rho) / rho;
+      q = {q.x - off * (q.x - a.c.x), q.y - off * (q.y - a.c.y)};
       if (a.holds(q))
         best = std::min(best, pointDistance(b, q));
     }
@@ -193,9 +230,26 @@ double lineGap(const Piece& line, const Piece& o) {
   if (!(da * db > 0.0))
     return 0.0;
   const double toward = da > 0.0 ? -1.0 : 1.0;  // along the normal, towards the line
+  if (o.isArc && std::fabs(o.bulge) < 1e-4) {
+    // So nearly straight an arc has its centre so far off that the point facing the line is
+    // not known to the width of its sagitta; the meeting of its end tangents, worked out from
+    // the chord, bounds it instead.
+    const double t = o.bulge / (1.0 - o.bulge * o.bulge);
+    const double dt = line.nx * (o.m.x + t * (o.b.y - o.a.y)) +
+                      line.ny * (o.m.y - t * (o.b.x - o.a.x)) + line.off;
+    if (!(dt * da > 0.0))
+      return 0.0;
+    return std::min({std::fabs(da), std::fabs(db), std::fabs(dt)}) -
+           kRoundOff * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
+                        std::fabs(line.off));
+  }
+  // Less the round-off of the lengths involved (an arc's centre and radius may be large).
   if (o.isArc && o.holds({o.c.x + toward * o.r * line.nx, o.c.y + toward * o.r * line.ny}))
-    return -toward * (line.nx * o.c.x + line.ny * o.c.y + line.off) - o.r;
-  return std::min(std::fabs(da), std::fabs(db));
+    return -toward * (line.nx * o.c.x + line.ny * o.c.y + line.off) - o.r -
+           kRoundOff * (std::fabs(o.c.x) + std::fabs(o.c.y) + std::fabs(line.off) + o.r);
+  return std::min(std::fabs(da), std::fabs(db)) -
+         kRoundOff * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
+                      std::fabs(line.off));
 }
 
 // Whether r certainly lies farther than `reach` from s, told cheaply: from the line of either
@@ -224,8 +278,10 @@ bool plainlyApart(const Piece& r, const Piece& s, double reach) {
         std::clamp(((s.c.x - r.a.x) * dx + (s.c.y - r.a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
     near2 = squared(r.a.x + t * dx, r.a.y + t * dy);
   }
-  const double out = s.r + reach;
-  const double in = s.r - reach;
+  // With room for the round-off of the lengths involved.
+  const double slack = kRoundOff * (s.r + std::sqrt(far2));
+  const double out = s.r + reach + slack;
+  const double in = s.r - reach - slack;
   return near2 > out * out || (in > 0.0 && far2 < in * in);
 }
 
@@ -358,10 +414,6 @@ class SourcePolars {
   Point centre_{std::numeric_limits<double>::quiet_NaN(), 0.0};
   int current_ = 0;
 };
-
-// Relative to the lengths that enter a bound: far above its round-off (that of a cone's angle
-// is the largest, some 1e-14 of the radius for a thin cone), far below the eps in use.
-constexpr double kRoundOff = 1e-12;
 
 // The largest projection rho cos(angle) onto the unit vector (nx, ny) of a point of the cone:
 // its angle from (nx, ny) is at least beta, the angle of (nx, ny) from the axis less alpha.
