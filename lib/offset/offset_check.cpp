@@ -44,9 +44,12 @@ namespace {
 // Result segments asked about together: one tree query serves the run.
 constexpr int kRunLength = 16;
 
-// Relative to the lengths that enter a bound: far above its round-off (that of a cone's angle
-// is the largest, some 1e-14 of the radius for a thin cone), far below the eps in use.
-constexpr double kRoundOff = 1e-12;
+// Room for round-off, relative to the lengths that enter a bound: kRoundOff for the bounds about
+// a ring's centre (angles and differences of radii, a few units in the last place of the
+// radius, with room to spare), kUlps for a single difference of lengths. Both stay far below
+// eps for drawings of ordinary size, so that pairs exactly at the distance are still ruled out.
+constexpr double kRoundOff = 1e-13;
+constexpr double kUlps = 16.0 * std::numeric_limits<double>::epsilon();
 
 struct Point {
   double x, y;
@@ -240,16 +243,16 @@ double lineGap(const Piece& line, const Piece& o) {
     if (!(dt * da > 0.0))
       return 0.0;
     return std::min({std::fabs(da), std::fabs(db), std::fabs(dt)}) -
-           kRoundOff * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
-                        std::fabs(line.off));
+           kUlps * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
+                    std::fabs(line.off));
   }
   // Less the round-off of the lengths involved (an arc's centre and radius may be large).
   if (o.isArc && o.holds({o.c.x + toward * o.r * line.nx, o.c.y + toward * o.r * line.ny}))
     return -toward * (line.nx * o.c.x + line.ny * o.c.y + line.off) - o.r -
-           kRoundOff * (std::fabs(o.c.x) + std::fabs(o.c.y) + std::fabs(line.off) + o.r);
+           kUlps * (std::fabs(o.c.x) + std::fabs(o.c.y) + std::fabs(line.off) + o.r);
   return std::min(std::fabs(da), std::fabs(db)) -
-         kRoundOff * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
-                      std::fabs(line.off));
+         kUlps * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
+                  std::fabs(line.off));
 }
 
 // Whether r certainly lies farther than `reach` from s, told cheaply: from the line of either
@@ -279,7 +282,7 @@ bool plainlyApart(const Piece& r, const Piece& s, double reach) {
     near2 = squared(r.a.x + t * dx, r.a.y + t * dy);
   }
   // With room for the round-off of the lengths involved.
-  const double slack = kRoundOff * (s.r + std::sqrt(far2));
+  const double slack = kUlps * (s.r + std::sqrt(far2));
   const double out = s.r + reach + slack;
   const double in = s.r - reach - slack;
   return near2 > out * out || (in > 0.0 && far2 < in * in);
