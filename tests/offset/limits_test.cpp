@@ -60,7 +60,8 @@ TEST(OffsetLimits, SquareOffsetsWithZeroEps) {
 }
 
 // Inputs PLineOffset refuses at once: it returns 0 with the rows as they were and the closed
-// flag normalised to 1.
+// flag normalised to 1; also null pointers. (Other hostile input, 1e300 included, is replayed
+// from the fuzz corpus, whose target checks the room and the row count.)
 TEST(OffsetLimits, OffsetRefusesAtOnce) {
   struct Row {
     const char* name;
@@ -91,6 +92,8 @@ TEST(OffsetLimits, OffsetRefusesAtOnce) {
   int closed = 1;
   double pick[2] = {5.0, 3.0};
   EXPECT_EQ(PLineOffset(1e-9, &closed, 4, square.rows(), 1, pick, kNaN), 4);
+  EXPECT_EQ(PLineOffset(1e-9, nullptr, 4, square.rows(), 0, pick, 1.0), 0);
+  EXPECT_EQ(PLineOffset(1e-9, &closed, 4, square.rows(), 0, nullptr, 1.0), 0);
 }
 
 // The other functions run to the end on a square with a NaN corner: its two segments cross,
