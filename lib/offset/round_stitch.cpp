@@ -232,7 +232,7 @@ int writeLoop(const RoundInput& in, const RoundLoop& loop, double (*out)[5]) {
 }
 
 bool usableDistance(double eps, double d) {
-  return std::isfinite(d) && !withinOpen(d, eps);
+  return std::fabs(d) < kLargestExtent && !withinOpen(d, eps);
 }
 
 bool usableInput(double eps, int n, double (*const v)[5], RoundInput& in, int closed) {

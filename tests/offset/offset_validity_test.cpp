@@ -276,6 +276,7 @@ TEST(RoundOffset, bad_input_gives_nothing) {
       {"one_distinct_vertex", kEps, 2, onePoint.rows(), 1.0},
       {"nan_distance", kEps, 4, square.rows(), kNaN},
       {"distance_below_eps", kEps, 4, square.rows(), kEps / 2},
+      {"distance_whose_square_overflows", kEps, 4, square.rows(), 1e100},
       {"negative_eps", -1.0, 4, square.rows(), 1.0},
       {"nan_eps", kNaN, 4, square.rows(), 1.0},
       {"collapsed", kEps, 4, square.rows(), -5.5},
