@@ -72,14 +72,22 @@ TEST(get_arc_box, table) {
     EXPECT_TRUE(near({box[0], box[1], box[2], box[3]}, {r.xmin, r.ymin, r.xmax, r.ymax}, 1e-9))
         << r.name;
   }
-  // The top exactly eps before the end is not added either: on a radius of 4096 the end's height
-  // stays visibly below it.
-  double centre[2] = {0, 0}, box[4];
-  get_arc_box(kE, centre, 4096, 0, kHalfPi + kE, &box[0], &box[1], &box[2], &box[3]);
-  EXPECT_NEAR(box[3], 4096 * std::cos(kE), 1e-9);
-  // Nor the top a turn up, half eps past the end of an arc that starts beyond it.
-  get_arc_box(kE, centre, 1e5, kPi, kHalfPi + kTwoPi - kE / 2, &box[0], &box[1], &box[2], &box[3]);
-  EXPECT_NEAR(box[3], 1e5 * std::cos(kE / 2), 1e-6);
+  // The top stays out when it lies within eps of an end, also a turn up; on radii this large the
+  // arc's highest end stays visibly below it.
+  const struct {
+    const char* name;
+    double r, sa, ea, ymax;
+  } tops[] = {
+      {"exactly_eps_before_the_end", 4096, 0, kHalfPi + kE, 4096 * std::cos(kE)},
+      {"a_turn_up_past_the_end", 1e5, kPi, kHalfPi + kTwoPi - kE / 2, 1e5 * std::cos(kE / 2)},
+      {"a_turn_up_at_the_start", 1e5, kHalfPi - kE / 2, kHalfPi + kTwoPi + 2 * kE,
+       1e5 * std::cos(kE / 2)},
+  };
+  for (const auto& t : tops) {
+    double centre[2] = {0, 0}, box[4];
+    get_arc_box(kE, centre, t.r, t.sa, t.ea, &box[0], &box[1], &box[2], &box[3]);
+    EXPECT_NEAR(box[3], t.ymax, 1e-6 * t.r / 4096) << t.name;
+  }
 }
 
 // Random arcs: every point of the arc lies in the box, and every side of the box is reached.
