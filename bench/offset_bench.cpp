@@ -9,8 +9,11 @@
 //   tarnsysm_offset_bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 // The "rows" counter is the result of the last call: 0 means the offset failed, and the time
 // then measures a failure, not an offset.
+// Each shared shape is also run as offset/.../unchecked: the same offset without the check of
+// its result that PLineOffset makes before it returns, so the two times give that check's cost.
 #include <Tarnsysm.h>
 
+#include "offset/internal.h"
 #include "shapes.h"
 
 #include <benchmark/benchmark.h>
@@ -54,7 +57,10 @@ void fillRows(const std::vector<ShapeVertex>& shape, double (*rows)[5]) {
   }
 }
 
-void offsetShape(benchmark::State& state, ShapeKind kind, Side side, double distance) {
+// finalCheck false: the offset without the check of its result that PLineOffset makes last,
+// to measure what that check costs.
+void offsetShape(benchmark::State& state, ShapeKind kind, Side side, double distance,
+                 bool finalCheck) {
   const int n = static_cast<int>(state.range(0));
   const std::vector<ShapeVertex> shape = makeShape(kind, n);
   // The caller's array needs room for twice the input rows.
@@ -72,7 +78,8 @@ void offsetShape(benchmark::State& state, ShapeKind kind, Side side, double dist
     int closed = 1;
     state.ResumeTiming();
 
-    result = PLineOffset(kEps, &closed, n, rows.get(), 0, pick, distance);
+    result =
+        tarnsysm::detail::offsetPLine(kEps, &closed, n, rows.get(), 0, pick, distance, finalCheck);
     benchmark::DoNotOptimize(result);
     benchmark::ClobberMemory();
   }
@@ -189,11 +196,14 @@ void registerCases() {
       distance.pop_back();
     const std::string name = "offset/" + shapeName(c.kind) + "/" +
                              (c.side == Side::kInward ? "inward" : "outward") + "/" + distance;
-    benchmark::internal::Benchmark* b =
-        benchmark::RegisterBenchmark(name.c_str(), offsetShape, c.kind, c.side, c.distance);
-    for (int n : c.sizes)
-      b->Arg(n);
-    b->ArgName("N")->Unit(benchmark::kMillisecond);
+    for (const bool finalCheck : {true, false}) {
+      benchmark::internal::Benchmark* b =
+          benchmark::RegisterBenchmark((finalCheck ? name : name + "/unchecked").c_str(),
+                                       offsetShape, c.kind, c.side, c.distance, finalCheck);
+      for (int n : c.sizes)
+        b->Arg(n);
+      b->ArgName("N")->Unit(benchmark::kMillisecond);
+    }
     benchmark::internal::Benchmark* round = benchmark::RegisterBenchmark(
         ("round_" + name).c_str(), offsetShapeRound, c.kind, c.side, c.distance);
     for (int n : c.sizes)

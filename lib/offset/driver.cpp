@@ -46,6 +46,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <new>
 
@@ -821,8 +822,10 @@ bool finiteInput(int n, double (*const v)[5], int through, const double* pick, d
 
 }  // namespace
 
-int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
-                double* const pick, double dist) {
+namespace tarnsysm::detail {
+
+int offsetPLine(double eps, int* closed, int n, double (*const v)[5], int through,
+                double* const pick, double dist, bool finalCheck) {
   if (!closed)
     return 0;
   if (*closed)
@@ -849,16 +852,20 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
   const int sourceClosed = *closed;
   const int sourceRows = n;
   std::unique_ptr<double[][5]> source;
-  try {
-    source.reset(new double[static_cast<size_t>(n)][5]);
-  } catch (const std::bad_alloc&) {
-    return 0;
+  if (finalCheck) {
+    try {
+      source.reset(new double[static_cast<size_t>(n)][5]);
+    } catch (const std::bad_alloc&) {
+      return 0;
+    }
+    std::memcpy(source[0], v[0], sizeof(double[5]) * static_cast<size_t>(n));
   }
-  std::memcpy(source[0], v[0], sizeof(double[5]) * static_cast<size_t>(n));
   // Room for the arcs of every row the caller provides, taken at the first step that wants it.
   // Without it each arc is worked out where it is needed, with the same results.
   std::unique_ptr<BulgeArc[]> arcs;
   bool arcsTried = false;
+  // The area of the polyline as trimmed, which the first step works out (none: not a number).
+  double firstArea = std::numeric_limits<double>::quiet_NaN();
 
   for (long long steps = 0;; ++steps) {
     if (std::fabs(remaining) <= eps) {
@@ -866,9 +873,11 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
         *closed = 0;
       // The offset cannot be made with sharp corners where the result comes nearer the
       // polyline than the distance, never reaches it, or runs the other way round.
+      if (!finalCheck)
+        return n;
       try {
-        return keepsOffsetDistance(eps, sourceClosed, sourceRows, source.get(), *closed, n, v,
-                                   total)
+        return keepsOffsetDistance(eps, sourceClosed, sourceRows, source.get(), firstArea, *closed,
+                                   n, v, total)
                    ? n
                    : 0;
       } catch (const std::bad_alloc&) {
@@ -894,6 +903,8 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
     }
     const double step = limitStepOverAll(eps, remaining, *closed, n, v, table);
     const double sourceArea = *closed ? closedArea(eps, n, v) : 0.0;
+    if (steps == 0)
+      firstArea = sourceArea;
     remaining = remaining - step;
     // A two-row polyline must be offset in a single step.
     if (n < 3 && std::fabs(remaining) >= eps)
@@ -908,4 +919,11 @@ int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int throug
     if (n == 2 && std::fabs(remaining) >= eps && *closed && isDoubledLine(eps, n, v))
       return 0;
   }
+}
+
+}  // namespace tarnsysm::detail
+
+int PLineOffset(double eps, int* closed, int n, double (*const v)[5], int through,
+                double* const pick, double dist) {
+  return offsetPLine(eps, closed, n, v, through, pick, dist, true);
 }

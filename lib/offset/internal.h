@@ -159,12 +159,19 @@ int trimStepLoops(double eps, double* const pick, int* closed, int n, double (*c
 /// LineArea over every segment, the closing one included, so a closed pair of rows counts too.
 double closedArea(double eps, int n, const double (*v)[5]);
 
+/// PLineOffset, with its last check (keepsOffsetDistance) or, for measuring what that check
+/// costs, without it.
+int offsetPLine(double eps, int* closed, int n, double (*const v)[5], int through,
+                double* const pick, double dist, bool finalCheck);
+
 /// The last check of PLineOffset: whether the polyline v (n rows) keeps the offset distance from
 /// the polyline it was made from (ns rows of source): no point of it nearer the source than
 /// |distance| - eps, some point within |distance| + eps, and, both being closed, enclosing an
-/// area of the same sign. False for fewer than 2 rows in either. Throws std::bad_alloc.
+/// area of the same sign. sourceArea is the source's closedArea where the caller has it, else
+/// NaN. False for fewer than 2 rows in either. Throws std::bad_alloc.
 bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*source)[5],
-                         int closed, int n, const double (*v)[5], double distance);
+                         double sourceArea, int closed, int n, const double (*v)[5],
+                         double distance);
 
 }  // namespace tarnsysm::detail
 

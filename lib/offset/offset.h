@@ -257,8 +257,9 @@ TARNSYSM_API int IntersPLine(double eps, int k, double px, double py, int closed
 // is smaller. Crossings closer than tol along the offset count as one.
 //
 // Bad input gives 0: n < 1, null rows, eps negative or not finite, a non-finite coordinate or
-// bulge among the n rows (fields 3 and 4 may hold anything), dist not finite or |dist| < eps,
-// fewer than two distinct vertices. Memory exhaustion also gives 0. v is only read.
+// bulge among the n rows (fields 3 and 4 may hold anything), dist not finite, |dist| < eps or
+// |dist| >= 1e100 (as for the rows, whose squares must stay finite), fewer than two distinct
+// vertices. Memory exhaustion also gives 0. v is only read.
 
 /// Every loop of the offset of the polyline v (n rows, closed when `closed` is non-zero) at the
 /// signed distance dist (positive: right of travel). Rows of loop k are out[loopStart[k]] up to

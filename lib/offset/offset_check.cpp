@@ -6,8 +6,14 @@
 // joins that reach across the region) the pieces trimming keeps can be something other than an
 // offset. Rather than trust every stage, the result is measured against its source once more,
 // lines and arcs as they are, nothing sampled. A box tree over the source segments gives, for
-// each result segment, only the source segments whose boxes come within d + eps of its own box
-// (Euclidean gaps between boxes, which never exceed the gaps between what they hold).
+// each run of consecutive result segments, only the source segments whose boxes come within
+// d + eps of the run's box (Euclidean gaps between boxes, which never exceed the gaps between
+// what they hold); each member of the run sifts that list by its own box. Where the distance is
+// large against the segments of a curved outline, those lists are long (on a circle of 10,000
+// rows offset inwards by half its radius, some 140 source segments per result segment), and
+// most of them are ruled out by bounds taken about the centre of the run's circle (see Polar)
+// before anything is measured. Every bound is a true lower bound with room for round-off, and
+// every pair that no bound rules out is measured exactly.
 //
 // The distance between two segments that do not meet is reached at an end of one of them, or
 // where the connection is normal to both: for an arc, at its points facing the other arc's
@@ -35,6 +41,16 @@ using namespace tarnsysm::detail;
 
 namespace {
 
+// Result segments asked about together: one tree query serves the run.
+constexpr int kRunLength = 16;
+
+// Room for round-off, relative to the lengths that enter a bound: kRoundOff for the bounds about
+// a ring's centre (angles and differences of radii, a few units in the last place of the
+// radius, with room to spare), kUlps for a single difference of lengths. Both stay far below
+// eps for drawings of ordinary size, so that pairs exactly at the distance are still ruled out.
+constexpr double kRoundOff = 1e-13;
+constexpr double kUlps = 16.0 * std::numeric_limits<double>::epsilon();
+
 struct Point {
   double x, y;
 };
@@ -49,11 +65,24 @@ struct Piece {
   double r;
   SegmentBox box;
   double nx, ny, off;  // the chord's line: signed distance nx x + ny y + off
+  Point m;             // an arc's chord midpoint; its centre is m + k (-dy, dx)
+  double k, chord2;    // chord2: the squared chord
 
   // Whether p, a point of the arc's circle, lies on the arc: on its side of the chord.
   bool holds(Point p) const {
     const double side = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
     return bulge > 0.0 ? side <= 0.0 : side >= 0.0;
+  }
+
+  // rho - r for a point q at rho from the centre, worked out from the chord: an arc of a bulge
+  // just above eps has a centre and a radius far beyond the drawing, and rho - r taken from
+  // them directly keeps none of the digits that matter. With w = q - m and the chord (dx, dy),
+  // rho^2 - r^2 = |w|^2 - chord^2/4 - 2k (dx w.y - dy w.x), as r^2 = k^2 chord^2 + chord^2/4.
+  double circleGap(Point q, double rho) const {
+    const double wx = q.x - m.x;
+    const double wy = q.y - m.y;
+    const double cross = (b.x - a.x) * wy - (b.y - a.y) * wx;
+    return (wx * wx + wy * wy - chord2 / 4.0 - 2.0 * k * cross) / (rho + r);
   }
 };
 
@@ -82,9 +111,19 @@ Piece pieceOf(double eps, const double* from, const double* to) {
   p.isArc = !isStraightBulge(p.bulge, eps) && chord >= eps;
   if (!p.isArc)
     return p;
-  const double k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);
-  p.c = {(p.a.x + p.b.x) / 2.0 - k * dy, (p.a.y + p.b.y) / 2.0 + k * dx};
+  p.k = (1.0 - p.bulge * p.bulge) / (4.0 * p.bulge);
+  p.m = {(p.a.x + p.b.x) / 2.0, (p.a.y + p.b.y) / 2.0};
+  p.chord2 = dx * dx + dy * dy;
+  p.c = {p.m.x - p.k * dy, p.m.y + p.k * dx};
   p.r = chord * (1.0 + p.bulge * p.bulge) / (4.0 * std::fabs(p.bulge));
+  if (std::fabs(p.bulge) <= 0.4) {
+    // Up to about a quarter circle the arc lies in the triangle of its ends and the meeting
+    // of its end tangents, b/(1 - b^2) chords off the midpoint on the arc's side: worked out
+    // from the chord, which a nearly straight arc's far centre would not give to the digit.
+    const double t = p.bulge / (1.0 - p.bulge * p.bulge);
+    grow(p.box, p.m.x + t * dy, p.m.y - t * dx);
+    return p;
+  }
   // The box takes the circle's points due east, north, west and south that lie on the arc.
   const Point extremes[4] = {
       {p.c.x + p.r, p.c.y}, {p.c.x, p.c.y + p.r}, {p.c.x - p.r, p.c.y}, {p.c.x, p.c.y - p.r}};
@@ -108,8 +147,13 @@ double pointDistance(const Piece& s, Point q) {
     const double rho = length(q.x - s.c.x, q.y - s.c.y);
     if (rho == 0.0)
       return s.r;
-    const Point onCircle{s.c.x + (q.x - s.c.x) * s.r / rho, s.c.y + (q.y - s.c.y) * s.r / rho};
-    return s.holds(onCircle) ? std::fabs(rho - s.r) : nearerEnd();
+    // The point of the circle facing q lies on the arc's side of the chord when
+    // k chord^2 (rho - r) + r (dx w.y - dy w.x) does (its side, times rho).
+    const double gap = s.circleGap(q, rho);
+    const double cross = (s.b.x - s.a.x) * (q.y - s.m.y) - (s.b.y - s.a.y) * (q.x - s.m.x);
+    const double side = s.k * s.chord2 * gap + s.r * cross;
+    const bool onArc = s.bulge > 0.0 ? side <= 0.0 : side >= 0.0;
+    return onArc ? std::fabs(gap) : nearerEnd();
   }
   // The line's own distance where the foot lies within it.
   const double dx = s.b.x - s.a.x;
@@ -131,7 +175,12 @@ double nearestFrom(const Piece& a, const Piece& b) {
     if (!(len > 0.0))
       return best;
     for (const double sign : {1.0, -1.0}) {
-      const Point q{a.c.x + sign * a.r * dx / len, a.c.y + sign * a.r * dy / len};
+      Point q{a.c.x + sign * a.r * dx / len, a.c.y + sign * a.r * dy / len};
+      // Taken from a far centre the point may lie off the circle by that centre's round-off:
+      // it is put back on it along its radius.
+      const double rho = length(q.x - a.c.x, q.y - a.c.y);
+      const double off = a.circleGap(q, rho) / rho;
+      q = {q.x - off * (q.x - a.c.x), q.y - off * (q.y - a.c.y)};
       if (a.holds(q))
         best = std::min(best, pointDistance(b, q));
     }
@@ -184,9 +233,26 @@ double lineGap(const Piece& line, const Piece& o) {
   if (!(da * db > 0.0))
     return 0.0;
   const double toward = da > 0.0 ? -1.0 : 1.0;  // along the normal, towards the line
+  if (o.isArc && std::fabs(o.bulge) < 1e-4) {
+    // So nearly straight an arc has its centre so far off that the point facing the line is
+    // not known to the width of its sagitta; the meeting of its end tangents, worked out from
+    // the chord, bounds it instead.
+    const double t = o.bulge / (1.0 - o.bulge * o.bulge);
+    const double dt = line.nx * (o.m.x + t * (o.b.y - o.a.y)) +
+                      line.ny * (o.m.y - t * (o.b.x - o.a.x)) + line.off;
+    if (!(dt * da > 0.0))
+      return 0.0;
+    return std::min({std::fabs(da), std::fabs(db), std::fabs(dt)}) -
+           kUlps * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
+                    std::fabs(line.off));
+  }
+  // Less the round-off of the lengths involved (an arc's centre and radius may be large).
   if (o.isArc && o.holds({o.c.x + toward * o.r * line.nx, o.c.y + toward * o.r * line.ny}))
-    return -toward * (line.nx * o.c.x + line.ny * o.c.y + line.off) - o.r;
-  return std::min(std::fabs(da), std::fabs(db));
+    return -toward * (line.nx * o.c.x + line.ny * o.c.y + line.off) - o.r -
+           kUlps * (std::fabs(o.c.x) + std::fabs(o.c.y) + std::fabs(line.off) + o.r);
+  return std::min(std::fabs(da), std::fabs(db)) -
+         kUlps * (std::fabs(o.a.x) + std::fabs(o.a.y) + std::fabs(o.b.x) + std::fabs(o.b.y) +
+                  std::fabs(line.off));
 }
 
 // Whether r certainly lies farther than `reach` from s, told cheaply: from the line of either
@@ -215,9 +281,199 @@ bool plainlyApart(const Piece& r, const Piece& s, double reach) {
         std::clamp(((s.c.x - r.a.x) * dx + (s.c.y - r.a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
     near2 = squared(r.a.x + t * dx, r.a.y + t * dy);
   }
-  const double out = s.r + reach;
-  const double in = s.r - reach;
+  // With room for the round-off of the lengths involved.
+  const double slack = kUlps * (s.r + std::sqrt(far2));
+  const double out = s.r + reach + slack;
+  const double in = s.r - reach - slack;
   return near2 > out * out || (in > 0.0 && far2 < in * in);
+}
+
+// Where pieces lie about a centre c: every point of them is between lo and hi from c and, when
+// `cone`, within the angle alpha of the axis u (cosAlpha no more, sinAlpha no less than its own).
+//
+// A run of result segments that follows a circle, as the offset of arcs about one centre does,
+// lies in a thin piece of ring about that centre (the centre of the run's first arc). The source
+// segments along the same circle, which a box around the run reaches in their hundreds where the
+// distance is large against the segments, are told apart from the whole run at once: arcs by
+// their distances from c, straight segments by the distance of their lines from the piece of
+// ring, and either, where that is not enough, by the angle between their own piece of ring and
+// the run's.
+struct Polar {
+  bool known;
+  Point c;
+  double lo, hi;
+  bool cone;
+  Point u;
+  double cosAlpha, sinAlpha;
+};
+
+// The cone holds every point given to it; a straight piece lies in the cone of its ends, an arc
+// (up to about a quarter circle) in the triangle of its ends and the meeting of its end
+// tangents, so those points are given. The cosine and the sine of alpha are kept apart, the
+// least cosine and the largest sine of the points' angles: a sine worked out from a cosine near
+// 1 would lose half its digits, and the angle with them.
+void widenCone(Polar& polar, Point p) {
+  const double dx = p.x - polar.c.x;
+  const double dy = p.y - polar.c.y;
+  const double len = length(dx, dy);
+  const double cosine = (dx * polar.u.x + dy * polar.u.y) / len;
+  const double sine = std::fabs(dx * polar.u.y - dy * polar.u.x) / len;
+  polar.cosAlpha = std::min(polar.cosAlpha, cosine);
+  polar.sinAlpha = std::max(polar.sinAlpha, sine);
+  // Not a number (a point at the centre): no cone.
+  if (!(cosine == cosine) || !(sine == sine))
+    polar.cosAlpha = -1.0;
+}
+
+// The pieces first .. last - 1 about c, the cone's axis towards `toward`.
+Polar polarOf(Point c, const Piece* first, const Piece* last, Point toward) {
+  Polar polar{true, c, std::numeric_limits<double>::infinity(), 0.0, false, {0.0, 0.0}, 1.0, 0.0};
+  const auto from = [&](Point p) { return length(p.x - c.x, p.y - c.y); };
+  const double axis = from(toward);
+  polar.u = {(toward.x - c.x) / axis, (toward.y - c.y) / axis};
+  for (const Piece* r = first; r != last; ++r) {
+    double lo, hi;
+    if (r->isArc) {
+      const double apart = from(r->c);
+      lo = r->r - apart;
+      hi = r->r + apart;
+      // Bulge 0.4 is a little under a quarter circle (tan(pi/8)); the end tangents meet
+      // b/(1 - b^2) chords off the chord's midpoint, on the arc's side.
+      const double b = r->bulge;
+      if (std::fabs(b) <= 0.4) {
+        const double k = b / (1.0 - b * b);
+        widenCone(polar, {(r->a.x + r->b.x) / 2.0 + k * (r->b.y - r->a.y),
+                          (r->a.y + r->b.y) / 2.0 - k * (r->b.x - r->a.x)});
+      } else {
+        polar.cosAlpha = -1.0;
+      }
+    } else {
+      hi = std::max(from(r->a), from(r->b));
+      const double dx = r->b.x - r->a.x;
+      const double dy = r->b.y - r->a.y;
+      const double t =
+          std::clamp(((c.x - r->a.x) * dx + (c.y - r->a.y) * dy) / (dx * dx + dy * dy), 0.0, 1.0);
+      lo = from({r->a.x + t * dx, r->a.y + t * dy});
+    }
+    widenCone(polar, r->a);
+    widenCone(polar, r->b);
+    // Not a number (a segment of no length, overflowing coordinates): nothing is known.
+    if (!(lo <= hi)) {
+      polar.known = false;
+      return polar;
+    }
+    polar.lo = std::min(polar.lo, std::max(lo, 0.0));
+    polar.hi = std::max(polar.hi, hi);
+  }
+  // A cone of a right angle or more is no longer convex.
+  polar.cone = polar.cosAlpha > 1e-3;
+  return polar;
+}
+
+// One piece about c, the cone's axis towards the middle of its chord.
+Polar polarOf(Point c, const Piece& piece) {
+  return polarOf(c, &piece, &piece + 1,
+                 {(piece.a.x + piece.b.x) / 2.0, (piece.a.y + piece.b.y) / 2.0});
+}
+
+// The source pieces about the centre of the current ring, each worked out once: runs along one
+// circle keep one centre (a run whose first arc's centre lies within 1e-9 of its radius of the
+// last centre takes that centre; any centre gives true bounds), so a source piece beside many
+// runs is not worked out for each.
+class SourcePolars {
+ public:
+  SourcePolars(const std::vector<Piece>& pieces)
+      : pieces_(pieces), polar_(pieces.size()), generation_(pieces.size(), -1) {}
+
+  // The ring of the run about its first arc's centre, or the last centre near it.
+  Polar ringOf(const std::vector<Piece>& run) {
+    for (const Piece& r : run) {
+      if (!r.isArc)
+        continue;
+      if (!(length(r.c.x - centre_.x, r.c.y - centre_.y) <= 1e-9 * r.r)) {
+        centre_ = r.c;
+        ++current_;
+      }
+      return polarOf(centre_, run.data(), run.data() + run.size(), run[run.size() / 2].a);
+    }
+    Polar none{};
+    return none;
+  }
+
+  // Source piece s about the current centre.
+  const Polar& of(int s) {
+    const size_t k = static_cast<size_t>(s);
+    if (generation_[k] != current_) {
+      polar_[k] = polarOf(centre_, pieces_[k]);
+      generation_[k] = current_;
+    }
+    return polar_[k];
+  }
+
+ private:
+  const std::vector<Piece>& pieces_;
+  std::vector<Polar> polar_;
+  std::vector<int> generation_;
+  Point centre_{std::numeric_limits<double>::quiet_NaN(), 0.0};
+  int current_ = 0;
+};
+
+// The largest projection rho cos(angle) onto the unit vector (nx, ny) of a point of the cone:
+// its angle from (nx, ny) is at least beta, the angle of (nx, ny) from the axis less alpha.
+double largestProjection(const Polar& ring, double nx, double ny) {
+  const double cosTheta = nx * ring.u.x + ny * ring.u.y;
+  const double sinTheta = std::fabs(nx * ring.u.y - ny * ring.u.x);
+  const double cosBeta =
+      cosTheta >= ring.cosAlpha ? 1.0 : cosTheta * ring.cosAlpha + sinTheta * ring.sinAlpha;
+  return cosBeta >= 0.0 ? ring.hi * cosBeta : ring.lo * cosBeta;
+}
+
+// Whether two cones about one centre lie farther apart than reach: where their axes are farther
+// apart than their half angles together, by gamma, two points at rho1 and rho2 are at least
+// (rho1 - rho2)^2 + 2 rho1 rho2 (1 - cos gamma) apart, squared.
+bool conesApart(const Polar& p, const Polar& q, double reach) {
+  if (!p.cone || !q.cone)
+    return false;
+  const double cosTheta = p.u.x * q.u.x + p.u.y * q.u.y;
+  const double sinTheta = std::fabs(p.u.x * q.u.y - p.u.y * q.u.x);
+  const double cosSum = p.cosAlpha * q.cosAlpha - p.sinAlpha * q.sinAlpha;
+  const double sinSum = p.sinAlpha * q.cosAlpha + p.cosAlpha * q.sinAlpha;
+  if (!(cosTheta < cosSum))
+    return false;
+  const double cosGamma = cosTheta * cosSum + sinTheta * sinSum;
+  const double radial = std::max({0.0, p.lo - q.hi, q.lo - p.hi});
+  const double squared = radial * radial + 2.0 * p.lo * q.lo * (1.0 - cosGamma);
+  const double scale = p.hi + q.hi;
+  return squared - kRoundOff * scale * scale > reach * reach;
+}
+
+// Whether the source segment s lies farther than reach from every point of the run in `ring`.
+// The comparisons leave room for the round-off of the lengths involved, so a pair that is not
+// certainly apart is measured.
+bool ringApart(const Polar& ring, SourcePolars& polars, int id, const Piece& s, double reach) {
+  if (!ring.known)
+    return false;
+  if (s.isArc) {
+    // Its points are between R - apart and R + apart from the ring's centre.
+    const double apart = length(s.c.x - ring.c.x, s.c.y - ring.c.y);
+    const double gap = std::max(s.r - apart - ring.hi, ring.lo - s.r - apart);
+    if (gap - kRoundOff * (ring.hi + s.r + apart) > reach)
+      return true;
+  } else if (ring.cone && (s.nx != 0.0 || s.ny != 0.0)) {
+    // Signed distances from the line: of the centre, and of the ring's points, within the
+    // centre's plus or minus the largest projections on the normal either way.
+    const double centre = s.nx * ring.c.x + s.ny * ring.c.y + s.off;
+    const double roundOff = kRoundOff * (std::fabs(s.nx * ring.c.x) + std::fabs(s.ny * ring.c.y) +
+                                         std::fabs(s.off) + ring.hi);
+    const double nearest = std::max(centre - largestProjection(ring, -s.nx, -s.ny),
+                                    -centre - largestProjection(ring, s.nx, s.ny));
+    if (nearest - roundOff > reach)
+      return true;
+  }
+  if (!ring.cone)
+    return false;
+  const Polar& own = polars.of(id);
+  return own.known && conesApart(ring, own, reach);
 }
 
 double pieceDistance(double eps, const Piece& a, const Piece& b) {
@@ -241,11 +497,15 @@ double closedArea(double eps, int n, const double (*v)[5]) {
 }
 
 bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*source)[5],
-                         int closed, int n, const double (*v)[5], double distance) {
+                         double sourceArea, int closed, int n, const double (*v)[5],
+                         double distance) {
   if (ns < 2 || n < 2)
     return false;
-  if (sourceClosed && closed && closedArea(eps, ns, source) * closedArea(eps, n, v) < 0.0)
-    return false;
+  if (sourceClosed && closed) {
+    const double area = std::isnan(sourceArea) ? closedArea(eps, ns, source) : sourceArea;
+    if (area * closedArea(eps, n, v) < 0.0)
+      return false;
+  }
   const double d = std::fabs(distance);
   const int sourceSegments = sourceClosed ? ns : ns - 1;
   std::vector<Piece> pieces;
@@ -256,29 +516,58 @@ bool keepsOffsetDistance(double eps, int sourceClosed, int ns, const double (*so
   index.build(sourceSegments, [&](int s) { return pieces[static_cast<size_t>(s)].box; });
 
   // Every pair that may come nearer than d - eps is measured; pairs within d + eps only until
-  // one has shown that the result reaches d.
+  // one has shown that the result reaches d. Neighbouring result segments have nearly the same
+  // near source segments, so the tree is asked once for a run of them (the run's box), and each
+  // member then sifts that list by its own box.
   const double low = d - eps;
   double reach = d + eps;
   bool reached = false;
   const int segments = closed ? n : n - 1;
-  for (int k = 0; k < segments; ++k) {
-    const Piece r = pieceOf(eps, v[k], v[(k + 1) % n]);
-    const auto near = [&](const SegmentBox& box) {
-      return boxGapSquared(r.box, box) <= reach * reach;
-    };
-    const auto tooNear = [&](int s) {
-      const Piece& p = pieces[static_cast<size_t>(s)];
-      if (plainlyApart(r, p, reach))
-        return false;
-      const double gap = pieceDistance(eps, r, p);
-      if (!reached && gap <= d + eps) {
-        reached = true;
-        reach = low;
+  std::vector<Piece> run;
+  std::vector<int> near;
+  SourcePolars polars(pieces);
+  for (int first = 0; first < segments; first += kRunLength) {
+    const int last = std::min(segments, first + kRunLength);
+    run.clear();
+    SegmentBox runBox = SegmentBox::empty();
+    for (int k = first; k < last; ++k) {
+      run.push_back(pieceOf(eps, v[k], v[(k + 1) % n]));
+      const SegmentBox& b = run.back().box;
+      grow(runBox, b.xmin, b.ymin);
+      grow(runBox, b.xmax, b.ymax);
+    }
+    near.clear();
+    const Polar ring = polars.ringOf(run);
+    index.visitWhere(
+        [&](const SegmentBox& box) { return boxGapSquared(runBox, box) <= reach * reach; },
+        [&](int s) {
+          if (!ringApart(ring, polars, s, pieces[static_cast<size_t>(s)], reach))
+            near.push_back(s);
+          return false;
+        });
+    // Along a circle, each member is its own piece of ring too: what the run's ring could not
+    // rule out (the source segments beside the run's own) it may.
+    for (const Piece& r : run) {
+      Polar own{};
+      for (size_t i = 0; i < near.size(); ++i) {
+        const Piece& p = pieces[static_cast<size_t>(near[i])];
+        if (!(boxGapSquared(r.box, p.box) <= reach * reach) || plainlyApart(r, p, reach))
+          continue;
+        if (ring.cone) {
+          if (!own.known)
+            own = polarOf(ring.c, r);
+          if (conesApart(own, polars.of(near[i]), reach))
+            continue;
+        }
+        const double gap = pieceDistance(eps, r, p);
+        if (!(gap >= low))
+          return false;
+        if (!reached && gap <= d + eps) {
+          reached = true;
+          reach = low;
+        }
       }
-      return !(gap >= low);
-    };
-    if (index.visitWhere(near, tooNear))
-      return false;
+    }
   }
   return reached;
 }

@@ -19,6 +19,9 @@ enum class PieceKind : unsigned char { kMoved, kCorner, kConnector };
 /// start angle a0 and signed sweep (positive counter-clockwise); its end points are stored as
 /// computed, so neighbouring pieces share them bit for bit. src is the source row: the start
 /// row of the moved segment, or the vertex of a corner.
+/// Rows, radii and distances from this on make squared lengths overflow; such input is refused.
+constexpr double kLargestExtent = 1e100;
+
 /// Length of (dx, dy). Extents are kept below 1e100, so the squares cannot overflow (and
 /// std::hypot's care for that would cost more than the rest of a distance test).
 inline double length(double dx, double dy) {

@@ -23,9 +23,6 @@ namespace tarnsysm::detail {
 
 namespace {
 
-// Rows and radii beyond this make squared lengths overflow; such input is refused.
-constexpr double kLargestExtent = 1e100;
-
 double cross(double ax, double ay, double bx, double by) {
   return ax * by - ay * bx;
 }

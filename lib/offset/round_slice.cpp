@@ -529,8 +529,7 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
   // search runs again on what is left. Not where round-off is large against the distance (a
   // drawing far larger than it), where the slack of the crossings reaches across the margin
   // between what clearing keeps and what it drops, nor for distances whose squares overflow.
-  constexpr long long kPairsPerPiece = 4;     // a plain outline meets one: its neighbour
-  constexpr double kLargestDistance = 1e100;  // as the input's extent: squared lengths stay finite
+  constexpr long long kPairsPerPiece = 4;  // a plain outline meets one: its neighbour
   std::vector<Cut>& cuts = out.cuts;
   int nodes = 0;
   bool anyCrowded = false;
@@ -540,7 +539,7 @@ void sliceRawOffset(const RoundInput& in, const std::vector<Piece>& raw, double 
   std::vector<Piece> partPieces;
   std::vector<PieceBox> partBoxes;
   PieceTree partIndex;
-  const bool mayClear = 4.0 * tol <= ad && ad < kLargestDistance;
+  const bool mayClear = 4.0 * tol <= ad && ad < kLargestExtent;
   if (!selfCuts(in, raw, parts, tol, mayClear ? kPairsPerPiece * count : -1, cuts, nodes)) {
     cuts.clear();
     nodes = 0;

@@ -15,6 +15,7 @@
 #include <climits>
 #include <cmath>
 #include <new>
+#include <utility>
 
 using namespace tarnsysm::detail;
 
@@ -24,7 +25,9 @@ namespace {
 struct RoundLoop {
   std::vector<Piece> pieces;
   bool closed = false;
-  int firstCut = 0;  // where it starts along the raw curve, for the order of loops
+  // Where each piece starts along the raw curve (raw piece, parameter): the order of loops and
+  // the start of a closed loop come from it.
+  std::vector<std::pair<int, double>> along;
   bool endsAtInputEnd = false;
 };
 
@@ -149,17 +152,28 @@ void chainPieces(const SlicedOffset& s, const std::vector<Piece>& raw, bool clos
         prev.y1 = yb;
       } else {
         Piece part = subPiece(piece, ta, tb, xa, ya, xb, yb);
-        if (pieceLength(part) > tol || loop.pieces.empty())
+        if (pieceLength(part) > tol || loop.pieces.empty()) {
           loop.pieces.push_back(part);
-        else
+          loop.along.emplace_back(p, ta);
+        } else
           loop.pieces.back().x1 = xb, loop.pieces.back().y1 = yb;
       }
       lastPiece = p;
       lastT = tb;
     });
   }
-  if (!loop.pieces.empty() && pieceLength(loop.pieces.front()) <= tol && loop.pieces.size() > 1)
+  if (!loop.pieces.empty() && pieceLength(loop.pieces.front()) <= tol && loop.pieces.size() > 1) {
     loop.pieces.erase(loop.pieces.begin());
+    loop.along.erase(loop.along.begin());
+  }
+  // A closed loop starts at its piece that comes first along the input, wherever the crossings
+  // that bound it lie.
+  if (loop.closed && !loop.pieces.empty()) {
+    const auto first = std::min_element(loop.along.begin(), loop.along.end());
+    const auto k = first - loop.along.begin();
+    std::rotate(loop.pieces.begin(), loop.pieces.begin() + k, loop.pieces.end());
+    std::rotate(loop.along.begin(), first, loop.along.end());
+  }
   loop.endsAtInputEnd = !closedInput && lastPiece == count - 1 && lastT == 1.0;
 }
 
@@ -178,18 +192,9 @@ void roundOffset(double eps, const RoundInput& in, double d, RoundResult& result
   std::vector<char> closedChain;
   const std::vector<std::vector<int>> chains = stitchSlices(sliced, in.closed, closedChain);
   for (size_t c = 0; c < chains.size(); ++c) {
-    std::vector<int> chain = chains[c];
-    // A closed loop starts at its slice that comes first along the raw curve.
-    if (closedChain[c]) {
-      const auto firstAlong = std::min_element(chain.begin(), chain.end(), [&](int a, int b) {
-        return sliced.slices[static_cast<size_t>(a)].from <
-               sliced.slices[static_cast<size_t>(b)].from;
-      });
-      std::rotate(chain.begin(), firstAlong, chain.end());
-    }
+    const std::vector<int>& chain = chains[c];
     RoundLoop loop;
     loop.closed = closedChain[c] != 0;
-    loop.firstCut = sliced.slices[static_cast<size_t>(chain.front())].from;
     chainPieces(sliced, raw, in.closed, chain, tol, loop);
     const size_t rows = loop.pieces.size() + (loop.closed ? 0 : 1);
     if (rows < 2)
@@ -198,7 +203,7 @@ void roundOffset(double eps, const RoundInput& in, double d, RoundResult& result
     result.loops.push_back(std::move(loop));
   }
   std::stable_sort(result.loops.begin(), result.loops.end(),
-                   [](const RoundLoop& a, const RoundLoop& b) { return a.firstCut < b.firstCut; });
+                   [](const RoundLoop& a, const RoundLoop& b) { return a.along[0] < b.along[0]; });
 }
 
 // Writes the rows of a loop; returns how many.
@@ -227,7 +232,7 @@ int writeLoop(const RoundInput& in, const RoundLoop& loop, double (*out)[5]) {
 }
 
 bool usableDistance(double eps, double d) {
-  return std::isfinite(d) && !withinOpen(d, eps);
+  return std::fabs(d) < kLargestExtent && !withinOpen(d, eps);
 }
 
 bool usableInput(double eps, int n, double (*const v)[5], RoundInput& in, int closed) {

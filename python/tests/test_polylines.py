@@ -141,8 +141,12 @@ def test_offset_round_splits_a_dumbbell():
     pts = np.array([(0, 0), (0, 10), (10, 10), (10, 6), (20, 6), (20, 10), (30, 10), (30, 0), (20, 0), (20, 4), (10, 4),
                     (10, 0)], float)
     loops = tarnsysm.offset_round(np.hstack([pts, np.zeros((12, 1))]), 1.5, closed=True, return_closed=True)
-    ranges = sorted((a[:, 0].min(), a[:, 0].max()) for a, _ in loops)
+    ranges = [(a[:, 0].min(), a[:, 0].max()) for a, _ in loops]
     np.testing.assert_allclose(ranges, [(1.5, 10 - math.sqrt(1.25)), (20 + math.sqrt(1.25), 28.5)])
+    # Loops come in the order they start along the input, each from its piece that comes first:
+    # the left square's from the first segment, the right one's from the corner at (20, 6).
+    np.testing.assert_allclose(loops[0][0][0, :2], (1.5, 1.5))
+    np.testing.assert_allclose(loops[1][0][0, :2], (20 + math.sqrt(1.25), 5))
     for loop, closed in loops:
         assert closed
         for p in loop[:, :2]:

@@ -77,6 +77,9 @@ TEST(get_arc_box, table) {
   double centre[2] = {0, 0}, box[4];
   get_arc_box(kE, centre, 4096, 0, kHalfPi + kE, &box[0], &box[1], &box[2], &box[3]);
   EXPECT_NEAR(box[3], 4096 * std::cos(kE), 1e-9);
+  // Nor the top a turn up, half eps past the end of an arc that starts beyond it.
+  get_arc_box(kE, centre, 1e5, kPi, kHalfPi + kTwoPi - kE / 2, &box[0], &box[1], &box[2], &box[3]);
+  EXPECT_NEAR(box[3], 1e5 * std::cos(kE / 2), 1e-6);
 }
 
 // Random arcs: every point of the arc lies in the box, and every side of the box is reached.

@@ -55,7 +55,8 @@ TEST(OffsetLimits, ExactZeroBulgeIsStraightWhateverEps) {
 }
 
 // Inputs PLineOffset refuses at once: it returns 0 with the rows as they were and the closed
-// flag normalised to 1.
+// flag normalised to 1; also null pointers. (Other hostile input, 1e300 included, is replayed
+// from the fuzz corpus, whose target checks the room and the row count.)
 TEST(OffsetLimits, OffsetRefusesAtOnce) {
   struct Row {
     const char* name;
@@ -81,6 +82,11 @@ TEST(OffsetLimits, OffsetRefusesAtOnce) {
     EXPECT_EQ(closed, 1) << r.name;
     EXPECT_EQ(std::memcmp(before.rows(), square.rows(), sizeof(double[5]) * 8), 0) << r.name;
   }
+  Polyline square(kSquare);
+  int closed = 1;
+  double pick[2] = {5.0, 5.0};
+  EXPECT_EQ(PLineOffset(1e-9, nullptr, 4, square.rows(), 0, pick, 1.0), 0);
+  EXPECT_EQ(PLineOffset(1e-9, &closed, 4, square.rows(), 0, nullptr, 1.0), 0);
 }
 
 // The other functions run to the end on a square with a NaN corner: its two segments cross,
