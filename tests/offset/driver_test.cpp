@@ -8,8 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
-#include <string>
 #include <vector>
 
 using namespace tarnsysm_test;
@@ -86,6 +84,7 @@ TEST(OffsetStepLimit, limits_from_the_geometry) {
     const double a = 2.0 * kPi * (33910 + k) / 100000.0;
     chord.push_back({100.0 * std::cos(a), 100.0 * std::sin(a) - 30.0, k % 2 == 0 ? b : 0.0});
   }
+  const Rows tangent = {{-1e-5, 2e-10, 0}, {0, 0, kQuarter}, {1, 1, 0}};
   const Row rows[] = {
       {"square_inwards_to_half_its_side", square, 1, 4, 2, -8, -5},
       {"square_outwards", square, 1, 4, 2, 8, 8},
@@ -104,13 +103,7 @@ TEST(OffsetStepLimit, limits_from_the_geometry) {
       // A neighbour whose line passes within eps of the far end, a line within eps of tangent
       // to the next arc, an open end already on the next circle: none of them limits the step.
       {"nearly_straight_on", {{1, 2, 0}, {2, 3, 0}, {2.01, 3.01 + 7e-10, 0}}, 0, 3, 1, -1e6, -1e6},
-      {"nearly_tangent_into_an_arc",
-       {{-1e-5, 2e-10, 0}, {0, 0, kQuarter}, {1, 1, 0}},
-       0,
-       3,
-       0,
-       -10,
-       -10},
+      {"nearly_tangent_into_an_arc", tangent, 0, 3, 0, -10, -10},
       {"open_end_on_the_next_circle", {{-3, -4, 0}, {5, 0, kQuarter}, {0, 5, 0}}, 0, 3, 0, -1, -1},
   };
   for (const Row& r : rows) {
@@ -179,8 +172,8 @@ TEST(BuildOffsetPLine, never_writes_a_row_it_still_has_to_read) {
   Rows zig;  // turns back at every corner: each corner adds a row
   for (int i = 0; i < 12; ++i)
     zig.push_back({i % 2 == 0 ? 0.0 : 10.0, 0.0, 0.0});
-  Polyline roomy(zig);
-  EXPECT_GT(buildOffsetPLineWithin(kEps, 1.0, 0, 12, roomy.rows(), roomy.capacity()), 12);
+  Polyline roomy(zig);  // room for 24 rows
+  EXPECT_GT(buildOffsetPLineWithin(kEps, 1.0, 0, 12, roomy.rows(), 24), 12);
   Polyline tight(zig, 1);  // exactly 12 rows, and the call is told of 13
   std::unique_ptr<double[][5]> exact(new double[13][5]);
   std::copy(tight[0], tight[0] + 60, exact[0]);
@@ -206,22 +199,12 @@ TEST(PLineOffset, results_from_the_geometry) {
   const Rows rrect = roundedRectangle(200, 100, 20), segment = {{0, 0, 0}, {10, 0, 0}};
   const Rows notched = {{0, 0, 0}, {10, 0, 0.2}, {10, 10, 0}, {5, 4, -0.3}, {0, 10, 0}};
   const double nan = std::nan("");
+  const std::vector<std::vector<double>> sqOut = {
+      {-1, -1, 0, 100, 200}, {11, -1, 0, 101, 201}, {11, 11, 0, 102, 202}, {-1, 11, 0, 103, 203}};
   const Row rows[] = {
       {"square_inwards", sq, 1, 5, 5, 0, 1, 4, 1, 64, {}},
-      {"square_outwards_keeps_sharp_corners_and_their_attributes",
-       sq,
-       1,
-       12,
-       5,
-       0,
-       1,
-       4,
-       1,
-       144,
-       {{-1, -1, 0, 100, 200},
-        {11, -1, 0, 101, 201},
-        {11, 11, 0, 102, 202},
-        {-1, 11, 0, 103, 203}}},
+      {"square_outwards_keeps_sharp_corners_and_their_attributes", sq, 1, 12, 5, 0, 1, 4, 1, 144,
+       sqOut},
       {"square_inwards_nearly_to_its_centre", sq, 1, 5, 5, 0, 4.5, 4, 1, 1, {}},
       {"square_inwards_past_its_centre", sq, 1, 5, 4, 0, 6, 0, 1, 0, {}},
       {"square_through_the_pick_2_off_its_side", sq, 1, 5, 2, 1, 2, 4, 1, 36, {}},
@@ -248,9 +231,9 @@ TEST(PLineOffset, results_from_the_geometry) {
     Polyline pl(r.rows);
     int closed = r.closed, revClosed = r.closed;
     double pick[2] = {r.px, r.py};
-    // Through the pick the distance passed is ignored.
+    // Through the pick the distance is not read: a NaN one must not stop the offset.
     const int n = PLineOffset(kEps, &closed, pl.count(), pl.rows(), r.through, pick,
-                              r.through ? 123 : r.dist);
+                              r.through ? nan : r.dist);
     ASSERT_TRUE(r.count < 0 ? n > 0 : n == r.count) << r.name << " gave " << n << " rows";
     if (n == 0)
       continue;
@@ -269,7 +252,7 @@ TEST(PLineOffset, results_from_the_geometry) {
     double again[2] = {r.px, r.py};
     EXPECT_TRUE(!r.closed || side == 0 ||
                 (PLineOffset(kEps, &revClosed, rev.count(), rev.rows(), r.through, again,
-                             r.through ? 123 : r.dist) == n &&
+                             r.through ? nan : r.dist) == n &&
                  std::fabs(signedArea(rev.first(n)) + signedArea(pl.first(n))) <= 1e-9))
         << r.name << " reversed";
   }

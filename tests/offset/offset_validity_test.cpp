@@ -164,7 +164,8 @@ Rows benchRows(ShapeKind kind, int n) {
 }
 
 // Shapes that once came out wrong: the benchmark star and gear inwards (near-reversing corners
-// whose joins reached across the region and left reversed islands far from the outline), and
+// whose joins reached across the region and left reversed islands far from the outline; the
+// star of 1000 inwards by 2 is pinned to no result by the golden fingerprints), and
 // tests/data/offset_*.txt (a hole loop kept instead of the enclosing offset, a two-row lens
 // offset past its collapse, a triangle offset past its inradius 0.25).
 TEST(OffsetValidity, hard_shapes_offset_validly_or_not_at_all) {
@@ -180,7 +181,6 @@ TEST(OffsetValidity, hard_shapes_offset_validly_or_not_at_all) {
                                    {ShapeKind::kStar, 200, 2.0},
                                    {ShapeKind::kStar, 300, 2.0},
                                    {ShapeKind::kStar, 500, 2.0},
-                                   {ShapeKind::kStar, 1000, 2.0},
                                    {ShapeKind::kStar, 2000, 2.0}}) {
     double pick[2];
     tarnsysm::bench::pickPoint(kind, tarnsysm::bench::makeShape(kind, n),

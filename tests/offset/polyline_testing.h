@@ -40,7 +40,6 @@ class Polyline {
   double (*rows())[5] { return rows_.get(); }
   double* operator[](int i) { return rows_[i]; }
   int count() const { return count_; }
-  int capacity() const { return capacity_; }
   Rows first(int n) { return validityRows(rows_.get(), n); }
 
  private:
