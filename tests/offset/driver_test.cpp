@@ -105,6 +105,15 @@ TEST(OffsetStepLimit, limits_from_the_geometry) {
       {"nearly_straight_on", {{1, 2, 0}, {2, 3, 0}, {2.01, 3.01 + 7e-10, 0}}, 0, 3, 1, -1e6, -1e6},
       {"nearly_tangent_into_an_arc", tangent, 0, 3, 0, -10, -10},
       {"open_end_on_the_next_circle", {{-3, -4, 0}, {5, 0, kQuarter}, {0, 5, 0}}, 0, 3, 0, -1, -1},
+      // The open end (-3, -3) moves along n = (3, -8)/sqrt 73 until it meets the next circle
+      // grown to 5 + x: 18 + 2x 15/sqrt 73 = 25 + 10x.
+      {"open_end_meets_the_grown_circle",
+       {{-3, -3, 0}, {5, 0, kQuarter}, {0, 5, 0}},
+       0,
+       3,
+       0,
+       -10,
+       7 / (30 / std::sqrt(73.0) - 10)},
   };
   for (const Row& r : rows) {
     Polyline pl(r.rows);
