@@ -33,27 +33,6 @@ TEST(PL_ArcParam, table) {
   }
 }
 
-// Random bulges: both ends on the circle, the sweep is the included angle, sa belongs to the start
-// vertex of a counter-clockwise bulge and to the end vertex of a clockwise one, ea >= sa - eps.
-TEST(PL_ArcParam, random_bulges_give_the_circle_through_both_ends) {
-  std::mt19937_64 rng(41);
-  std::uniform_real_distribution<double> c(-100, 100), b(-5, 5);
-  for (int i = 0; i < 5000; ++i) {
-    const double x1 = c(rng), y1 = c(rng), x2 = c(rng), y2 = c(rng), bulge = b(rng);
-    if (std::fabs(bulge) < 1e-3)
-      continue;
-    double cx, cy, r, sa, ea;
-    ASSERT_EQ(PL_ArcParam(1e-9, x1, y1, x2, y2, bulge, &cx, &cy, &r, &sa, &ea), 1);
-    SCOPED_TRACE(testing::Message() << "case " << i << " bulge " << bulge);
-    const double tol = 1e-9 * (1 + r);
-    EXPECT_TRUE(onCircle(x1, y1, cx, cy, r, tol) && onCircle(x2, y2, cx, cy, r, tol));
-    EXPECT_NEAR(ea - sa, std::fabs(4 * std::atan(bulge)), 1e-8);
-    const double startX = bulge > 0 ? x1 : x2, startY = bulge > 0 ? y1 : y2;
-    EXPECT_TRUE(sameDirection(sa, std::atan2(startY - cy, startX - cx), 1e-8));
-    EXPECT_TRUE(angleInTurn(1e-9, sa));
-  }
-}
-
 TEST(get_arc_box, table) {
   const double nearStart = kHalfPi - kE / 2, c = 1000 * std::cos(nearStart),
                s = 1000 * std::sin(nearStart);

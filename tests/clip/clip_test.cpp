@@ -1,6 +1,5 @@
 // Tarnsysm: planar computational geometry for 2D drafting.
-// Tests of rectangle clipping: clipped areas against slice integration, ring order, room,
-// sentinels.
+// Tests of rectangle clipping: ring order, room, sentinels.
 
 #include "test_support.h"
 
@@ -27,46 +26,6 @@ Points clipRect(double lo, double hi, Points in) {
     return v == kSentinel;
   })) << "a slot past count was written";
   return Points(out.get(), out.get() + used);
-}
-
-// Area of the polygon (even-odd) inside the square by the midpoint rule over vertical slices:
-// each slice's crossings with the edges, paired, each span cut to [lo, hi].
-double insideAreaBySlices(const Points& ring, double lo, double hi) {
-  const int slices = 20000;
-  const double h = (hi - lo) / slices;
-  double area = 0.0;
-  for (int k = 0; k < slices; ++k) {
-    const double x = lo + (k + 0.5) * h;
-    std::vector<double> ys;
-    for (std::size_t i = 2; i < ring.size(); i += 2)
-      if ((ring[i - 2] <= x) != (ring[i] <= x))
-        ys.push_back(ring[i - 1] +
-                     (x - ring[i - 2]) / (ring[i] - ring[i - 2]) * (ring[i + 1] - ring[i - 1]));
-    std::sort(ys.begin(), ys.end());
-    for (std::size_t j = 0; j + 1 < ys.size(); j += 2)
-      area += std::max(0.0, std::min(ys[j + 1], hi) - std::max(ys[j], lo)) * h;
-  }
-  return area;
-}
-
-TEST(RectClipPolygon, clipped_area_matches_slice_integration_on_random_star_polygons) {
-  std::mt19937 rng(8101);
-  std::uniform_real_distribution<double> centre(-1.5, 1.5), radius(0.2, 2.0), unit(0.0, 0.9);
-  for (int trial = 0; trial < 60; ++trial) {
-    const int m = 3 + trial % 30;
-    const double cx = centre(rng), cy = centre(rng);
-    Points ring;
-    for (int k = 0; k < m; ++k) {
-      const double angle = (k + unit(rng)) * tarnsysm::test::kTwoPi / m, r = radius(rng);
-      ring.insert(ring.end(), {cx + r * std::cos(angle), cy + r * std::sin(angle)});
-    }
-    ring.insert(ring.end(), {ring[0], ring[1]});
-    Points clipped = clipRect(-1, 1, ring);
-    double twiceArea = 0.0;
-    for (std::size_t i = 2; i < clipped.size(); i += 2)
-      twiceArea += clipped[i - 2] * clipped[i + 1] - clipped[i] * clipped[i - 1];
-    EXPECT_NEAR(twiceArea / 2, insideAreaBySlices(ring, -1, 1), 1e-4) << "trial " << trial;
-  }
 }
 
 TEST(RectClipPolygon, gives_the_documented_ring) {

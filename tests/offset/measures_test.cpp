@@ -47,32 +47,6 @@ TEST(LineArea_PLineArea, table) {
     EXPECT_NEAR(PLineArea(1e-9, r.closed, r.poly.n(), r.poly.rows()), r.area, 1e-12) << r.name;
 }
 
-// Random closed polylines: travelled backwards the area changes sign; moved, it stays.
-TEST(PLineArea, reversal_negates_and_translation_keeps_the_area) {
-  std::mt19937_64 rng(71);
-  std::uniform_real_distribution<double> c(-10, 10), b(-1.5, 1.5);
-  for (int i = 0; i < 500; ++i) {
-    const int n = 3 + i % 6;
-    std::vector<double> fwd(5 * n), back(5 * n), moved(5 * n);
-    for (int k = 0; k < n; ++k) {
-      fwd[5 * k] = c(rng), fwd[5 * k + 1] = c(rng), fwd[5 * k + 2] = b(rng);
-      moved[5 * k] = fwd[5 * k] + 3.5, moved[5 * k + 1] = fwd[5 * k + 1] - 7,
-                moved[5 * k + 2] = fwd[5 * k + 2];
-    }
-    for (int k = 0; k < n; ++k) {  // row k of the reversed path is row n-1-k, with the bulge of
-      const int src = n - 1 - k;   // the segment that ended there, negated
-      back[5 * k] = fwd[5 * src], back[5 * k + 1] = fwd[5 * src + 1];
-      back[5 * k + 2] = -fwd[5 * ((src + n - 1) % n) + 2];
-    }
-    const auto area = [n](std::vector<double>& v) {
-      return PLineArea(1e-9, 1, n, reinterpret_cast<double(*)[5]>(v.data()));
-    };
-    const double a = area(fwd);
-    EXPECT_NEAR(area(back), -a, 1e-9 * (1 + std::fabs(a))) << i;
-    EXPECT_NEAR(area(moved), a, 1e-9 * (1 + std::fabs(a))) << i;
-  }
-}
-
 TEST(PointsOnPLine, table) {
   // clang-format off
   const struct { const char* name; Poly poly; int closed; double x, y; int expected; } rows[] = {

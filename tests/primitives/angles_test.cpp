@@ -105,28 +105,6 @@ TEST(ValidAngle, table) {
   EXPECT_EQ(ValidAngle(kNaN, 0, 1, 0.5), 0);
 }
 
-// Oracle: the angle's counter-clockwise offset from start, compared with the sweep. Draws within
-// 1e-9 of a decision edge are skipped; there the rounding of the turn steps decides.
-TEST(ValidAngle, agrees_with_the_angular_offset_on_random_sweeps) {
-  std::mt19937_64 rng(12);
-  std::uniform_real_distribution<double> u(0.0, 1.0);
-  const double eps = 1e-6;
-  for (int i = 0; i < 20000; ++i) {
-    const double start = 60 * u(rng) - 30, sweep = (kTwoPi - 0.01) * u(rng);
-    const double offset = kTwoPi * u(rng), turns = std::round(20 * u(rng) - 10);
-    const double endTurns = i % 4 == 0 ? -std::round(3 * u(rng)) : 0.0;
-    const double toEnd = offset - sweep, beforeStart = kTwoPi - offset;
-    if (std::fabs(toEnd - eps) < 1e-9 * (1 + std::fabs(turns)) ||
-        std::fabs(beforeStart - eps) < 1e-9 * (1 + std::fabs(turns)))
-      continue;
-    const int expected = (toEnd <= eps || beforeStart <= eps) ? 1 : 0;
-    ASSERT_EQ(
-        ValidAngle(eps, start, start + sweep + endTurns * kTwoPi, start + offset + turns * kTwoPi),
-        expected)
-        << start << " " << sweep << " " << offset << " " << turns;
-  }
-}
-
 // Within a few turns the helpers are repeated addition bit for bit (far turns and hostile values
 // reach them through ValidAngle above and the hostile test below).
 TEST(TurnStepping, equals_repeated_addition_and_ends_for_any_double) {

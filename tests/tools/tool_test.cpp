@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "dxf_io.h"
+#include "offset/offset_validity.h"
 #include "text_io.h"
 
 namespace tarnsysm::tool::test {
@@ -23,22 +24,12 @@ namespace {
 namespace fs = std::filesystem;
 constexpr double kPi = 3.141592653589793;
 
-// Signed area (counter-clockwise positive) of a closed polyline of lines and bulge arcs: the
-// shoelace sum plus, for each arc, its circular segment r^2/2 (theta - sin theta), added where
-// the arc bows outwards (a positive bulge bows to the right of travel).
+// Signed area of a closed polyline, by the offset tests' own plane geometry.
 double enclosedArea(const Polyline& p) {
-  double area = 0.0;
-  const auto& v = p.vertices;
-  for (std::size_t i = 0; i < v.size(); ++i) {
-    const Vertex& a = v[i];
-    const Vertex& b = v[(i + 1) % v.size()];
-    area += (a.x * b.y - b.x * a.y) / 2.0;
-    const double theta = 4.0 * std::atan(std::fabs(a.bulge));
-    const double r = std::hypot(b.x - a.x, b.y - a.y) / (2.0 * std::sin(theta / 2.0));
-    if (a.bulge != 0.0)
-      area += std::copysign(r * r / 2.0 * (theta - std::sin(theta)), a.bulge);
-  }
-  return area;
+  std::vector<tarnsysm_test::ValidityRow> rows;
+  for (const Vertex& v : p.vertices)
+    rows.push_back({v.x, v.y, v.bulge});
+  return tarnsysm_test::signedArea(rows);
 }
 
 // A fresh directory, removed with everything in it at the end of the test.
