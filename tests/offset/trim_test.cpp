@@ -100,6 +100,9 @@ TEST(PLineDist, signed_distances_from_the_geometry) {
     double dist;
   };
   const Rows sq = rectangle(0, 0, 10, 10), line = {{0, 0, 0}, {10, 0, 0}};
+  // Two arcs on chords along x = 0.5 both reach x = 0.5625: row 1's (travelled up) at (0.5625, 0),
+  // row 0's (travelled down) lower, about 7e-7 farther from a point far out on the x axis.
+  const Rows bows = {{0.5, -0.25, -0.5}, {0.5, -0.5, 0.125}, {0.5, 0.5, -0.25}, {0.5, 0.25, 0.875}};
   const Row rows[] = {
       // Inside a counter-clockwise boundary is left of travel (negative).
       {"inside_ccw", sq, 1, 4, 3, 4, 1, -3},
@@ -116,6 +119,7 @@ TEST(PLineDist, signed_distances_from_the_geometry) {
       {"single_point_arc", {{1, 1, 0.5}, {1, 1, 0}}, 0, 2, 4, -2.5, 0, 99},
       {"one_row", line, 0, 1, 4, -2.5, 0, 99},
       {"no_rows", line, 1, 0, 4, -2.5, 0, 99},
+      {"far_off_the_nearer_of_two_bows", bows, 1, 4, 1e4, 0, 1, 1e4 - 0.5625},
   };
   for (const Row& r : rows) {
     Polyline pl(r.rows);
