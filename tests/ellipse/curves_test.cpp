@@ -186,6 +186,10 @@ TEST(EllipseNormals, nearest_points_feet_tangents_and_normal_offsets) {
   double left[3] = {-5, 0, 0}, low[3] = {0, -3, 0};
   EXPECT_TRUE(DPnearEllipseArc(ellipse(0, 0, 3, 1, 0), left, out) == 2.0 && out[0] == -3.0);
   EXPECT_TRUE(DPnearEllipseArc(ellipse(0, 0, 3, 1, 0), low, out) == 2.0 && out[1] == -1.0);
+  // A circle-shaped record about (2, 2): from (2, 5), its top (2, 3), 2 away.
+  double above[3] = {2, 5, 0};
+  EXPECT_NEAR(DPnearEllipseArc(ellipse(2, 2, 1, 1, 0), above, out), 2.0, 1e-15);
+  EXPECT_TRUE(std::fabs(out[0] - 2.0) < 1e-15 && std::fabs(out[1] - 3.0) < 1e-15);
 }
 
 TEST(DLineNearEllipse, tangent_point_parallel_to_the_line) {
